@@ -1,0 +1,48 @@
+/* authoring.h: the authoring runs. One call reads a project file and writes a disc directory. */
+#ifndef ORVEN_AUTHORING_H
+#define ORVEN_AUTHORING_H
+
+#include <orven/types.h>
+
+ORV_BEGIN_DECLS
+
+/** Progress of a run, called on the thread of the run between pieces of work.
+ *  @param total  units of the whole run, the same at every call
+ *  @param done   units done so far; the last call of a successful run has done equal to total
+ *  @param kind   the stage. DVD-Video: 1 menus of a title set, 2 movie of a title set, 3 its IFO written, 4 its backup
+ *                copied, 5 menus of the manager, 6 the manager's IFO written, 7 its backup copied
+ *  @param user   the run's progressUser, unchanged
+ *  @return 0 to go on; any other value cancels the run, which then returns 0x8400040A */
+typedef uint32_t (*OrvProgress)(uint32_t total, uint32_t done, uint32_t kind, uint64_t user);
+
+/** Authors a DVD-Video directory: VIDEO_TS.IFO, VTS_nn_0.IFO, their .BUP copies and the menu VOBs.
+ *
+ *  The VOBs of the titles are not made here. They are the project's `source` files, finished program streams, which
+ *  lie as VTS_nn_1.VOB and so on in the target directory; the run fills their navigation packs in place.
+ *
+ *  @param projectPath    the project file
+ *  @param targetPath     the directory that receives the files. It is put before file names as it stands, so it ends
+ *                        in a path separator; the run makes no directory
+ *  @param previousPath   null, empty, or the directory of an earlier run, with its trailing separator. The files of a
+ *                        title set found there win over those in targetPath when the manager is written
+ *  @param progress       may be null
+ *  @param progressUser   handed to progress unchanged
+ *  @param logPath        null, or a file to which syntax errors of the project and failures to open a file are
+ *                        appended: UTF-16LE without a mark, one line an entry, each text cut to its first half
+ *  @return 0; a code 0x840003E8 to 0x8400044B for a fault in the project; 0x840007D0 and up for a fault in
+ *          authoring; 0x84000FB3, 0x84000FB4 if a source can't be written or read; 0x8400040A if progress cancelled;
+ *          0xFFFFFFFFFFFFFFFD if a title's sources hold no whole sector; 0x84000057 if projectPath or targetPath is
+ *          null; a number of the platform
+ *
+ *  A failed or cancelled run leaves the files that it has written, and keeps the memory of its project model: there
+ *  is no clean-up on that path. */
+ORV_API uint64_t ParseDVDDescW(const OrvWChar* projectPath, const OrvWChar* targetPath, const OrvWChar* previousPath,
+                               OrvProgress progress, uint64_t progressUser, const OrvWChar* logPath);
+
+/** The narrow form of ParseDVDDescW. */
+ORV_API uint64_t ParseDVDDesc(const char* projectPath, const char* targetPath, const char* previousPath,
+                              OrvProgress progress, uint64_t progressUser, const char* logPath);
+
+ORV_END_DECLS
+
+#endif

@@ -1,0 +1,9 @@
+/* orven.h: the whole exported interface of the disc authoring engine. */
+#ifndef ORVEN_ORVEN_H
+#define ORVEN_ORVEN_H
+
+#include <orven/authoring.h>
+#include <orven/results.h>
+#include <orven/types.h>
+
+#endif

@@ -1,0 +1,12 @@
+// pack_read.h: reads the clocks of a pack, one sector of a program stream.
+#pragma once
+
+#include <cstdint>
+
+/** SCR base of the pack header: 90 kHz ticks, low 32 of 33 bits, sign-extended. extension may be null and gets the 27
+    MHz part, 0..299. */
+[[nodiscard]] uint64_t orvReadScr(const uint8_t* pack, uint64_t* extension);
+/** Rewrites the SCR of the pack header; bit 32 is not stored. */
+void orvSetScr(uint8_t* pack, uint64_t scr, uint64_t extension);
+/** PTS of the PES packet behind the pack header, as orvReadScr gives its clock; 0 if the packet has none. */
+[[nodiscard]] uint64_t orvReadPts(const uint8_t* pack);

@@ -1,0 +1,35 @@
+// reader.h: the sections of a DVD-Video project file, read into the model. Every reader returns at the first fault, with
+// the fault's code; what the user can mend in the text of a value is logged as well.
+#pragma once
+
+#include "base/profile.h"
+#include "project/model.h"
+
+#include <cstdint>
+
+/** Section COMMON: format version and video standard. */
+[[nodiscard]] uint64_t orvReadCommon(const RunHead* run, const OsProfile* file, int64_t* standard);
+/** Section FIRSTPLAY: the command with which a disc starts. */
+[[nodiscard]] uint64_t orvReadFirstPlay(DiscContext* context, const OsProfile* file);
+/** Section VMG with all title sets and the manager's menus. vmg is the manager's record in the context. */
+[[nodiscard]] uint64_t orvReadManager(DiscContext* context, const OsProfile* file, int64_t standard, TitleSetDesc* vmg);
+/** One title set. @return 0; ORV_TITLE_SET_SKIPPED; a code of the project file */
+[[nodiscard]] uint64_t orvReadTitleSet(const RunHead* run, const OsProfile* file, uint64_t number, int64_t standard,
+                                       TitleSetDesc* titleSet);
+/** One menu page. */
+[[nodiscard]] uint64_t orvReadMenu(const RunHead* run, const OsProfile* file, const char16_t* section, int64_t standard,
+                                   MenuDesc* menu);
+/** The value of a `button` key. */
+[[nodiscard]] uint64_t orvReadButton(const RunHead* run, const char16_t* value, ButtonDesc* button);
+/** The keys `colorset1` to `colorset3` of a section. */
+[[nodiscard]] uint64_t orvReadColorSets(const RunHead* run, const OsProfile* file, const char16_t* section,
+                                        uint8_t colorSets[COLOR_SETS][COLOR_SET_BYTES]);
+/** Video and audio attributes and colour table of a section. */
+[[nodiscard]] uint64_t orvReadAttributes(const RunHead* run, const OsProfile* file, const char16_t* section,
+                                         int64_t standard, AttributeSet* attributes);
+/** The keys `colortable1` to `colortable16` of a section. */
+[[nodiscard]] uint64_t orvReadColorTable(const RunHead* run, const OsProfile* file, const char16_t* section,
+                                         uint32_t colorTable[PALETTE_ENTRIES]);
+/** One audio stream of a section; suffix is null for the first. */
+[[nodiscard]] uint64_t orvReadAudioStream(const RunHead* run, AttributeSet* attributes, AudioStreamDesc* stream,
+                                          const OsProfile* file, const char16_t* section, const char16_t* suffix);

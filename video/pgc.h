@@ -1,0 +1,28 @@
+// pgc.h: program chains, the blocks of an IFO that tell a player what to play and what to do around it.
+#pragma once
+
+#include "project/model.h"
+#include "video/vobu_record.h"
+
+#include <cstdint>
+
+// How the cells of a chain end: the loopMode of a menu, or CELLS_OF_TITLE.
+inline constexpr uint64_t CELLS_OF_TITLE = 3;
+
+/** Builds the chain of one VOB.
+    @param menus         menus[vobId - 1] chooses the palette and the letterbox stream
+    @param commandTable  a block that this function frees, or null
+    @param result        receives a new block, the caller's */
+[[nodiscard]] uint64_t orvBuildPgc(const MenuDesc* menus, const AttributeSet* attributes, int64_t videoStandard,
+                                   uint64_t prohibitedOps, uint64_t cellMode, uint8_t* commandTable, uint64_t vobId,
+                                   const VobuRecord* vobuList, uint8_t** result);
+
+/** The chain of a title set's menu; menuIndex counts from 0. */
+[[nodiscard]] uint64_t orvBuildMenuPgc(TitleSetDesc* titleSet, int64_t videoStandard, uint64_t menuIndex,
+                                       const VobuRecord* vobuList, uint8_t** result);
+/** The chain of a manager's menu. Without a VOBU list it has no cells. */
+[[nodiscard]] uint64_t orvBuildManagerMenuPgc(TitleSetDesc* manager, int64_t videoStandard, uint64_t menuIndex,
+                                              uint64_t titleSetCount, const VobuRecord* vobuList, uint8_t** result);
+/** The chain of a title set's title. */
+[[nodiscard]] uint64_t orvBuildTitlePgc(TitleSetDesc* titleSet, uint64_t titleSetNumber, int64_t videoStandard,
+                                        const VobuRecord* vobuList, uint8_t** result);
