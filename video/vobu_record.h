@@ -16,8 +16,8 @@ struct VobuRecord {
     uint64_t firstRefEnd;    // sector, relative to `sector`, in which the first reference picture ends; 0 if unknown
     uint64_t secondRefEnd;
     uint64_t thirdRefEnd;
-    uint64_t temporalRef;    // of the first picture in stream order
-    uint64_t spare;          // 0
+    uint64_t temporalRef;   // of the first picture in stream order
+    uint64_t spare;         // 0
 };
 static_assert(sizeof(VobuRecord) == 96);
 

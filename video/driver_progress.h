@@ -1,0 +1,10 @@
+// driver_progress.h: adapters between the passes over a movie and the run's progress.
+#pragma once
+
+#include "project/model.h"
+
+#include <cstdint>
+
+// PassProgress callbacks; user is the title set's number. 0 cancels.
+[[nodiscard]] uint64_t orvScanProgress(const DiscContext* context, uint64_t total, uint64_t done, uint64_t user);
+[[nodiscard]] uint64_t orvSetupProgress(const DiscContext* context, uint64_t total, uint64_t done, uint64_t user);

@@ -1,0 +1,45 @@
+// scan_file.cpp: loads a stream scan file, which a host has made while it prepared a title's stream, in place of a
+// scan.
+
+#include "base/files.h"
+#include "base/memory.h"
+#include "base/result.h"
+#include "video/movie_scan.h"
+
+// A scan file is two 32-bit little-endian words, then VobuRecords.
+constexpr uint64_t SCAN_FILE_MARK = 1;   // the first word; the second is the size of the stream in sectors
+constexpr uint64_t SCAN_FILE_HEADER = 8;
+
+static uint64_t littleEndian32(const uint8_t* from)
+{
+    return uint64_t(from[0]) | uint64_t(from[1]) << 8 | uint64_t(from[2]) << 16 | uint64_t(from[3]) << 24;
+}
+
+static uint64_t readScanFile(OSFILE file, VobuRecord** list, uint64_t* sectors)
+{
+    uint64_t size = 0;
+    if (uint64_t error = osFileSize(file, &size)) return error;
+    uint8_t header[SCAN_FILE_HEADER] = {};
+    if (size < SCAN_FILE_HEADER) return ORV_INVALID_ARGUMENT;
+    if (uint64_t error = osReadFile(file, header, SCAN_FILE_HEADER)) return error;
+    if (littleEndian32(header) != SCAN_FILE_MARK) return ORV_INVALID_ARGUMENT;
+
+    const uint64_t records = (size - SCAN_FILE_HEADER) / sizeof(VobuRecord);   // an incomplete last one is dropped
+    if (uint64_t error = osAllocMem(records * sizeof(VobuRecord), list)) return error;
+    if (uint64_t error = osReadFile(file, *list, records * sizeof(VobuRecord))) {
+        (void)osFreeMem(list);
+        return error;
+    }
+    *sectors = littleEndian32(header + 4);
+    return 0;
+}
+
+uint64_t orvReadStreamScanFile(const char16_t* path, VobuRecord** list, uint64_t* sectors)
+{
+    *list = nullptr;
+    OSFILE file = 0;
+    if (uint64_t error = osOpenFile(path, OS_READ, &file)) return error;
+    const uint64_t result = readScanFile(file, list, sectors);
+    (void)osCloseFile(&file);   // nothing was written
+    return result;
+}
