@@ -1,0 +1,135 @@
+// cli.cpp: the command line of `orven`: its commands, options and help.
+#include "cli.h"
+
+#include "author.h"
+#include "explain.h"
+#include "platform.h"
+
+#include <CLI/CLI.hpp>
+#include <sstream>
+
+namespace fs = std::filesystem;
+
+static const char DESCRIPTION[] =
+    "orven writes the tables, menus and navigation data of a DVD-Video disc.\n\n"
+    "A project file, in INI form, describes the disc; finished movies, menu pictures and\n"
+    "bitmaps lie beside it. The result is a VIDEO_TS folder that players read.";
+
+static const char FOOTER[] = R"(
+Examples:
+  orven author project.ini --target disc/VIDEO_TS
+      authors the disc that project.ini describes
+  orven author project.ini --target new/VIDEO_TS --previous disc/VIDEO_TS
+      authors again; title sets with `skipvts=1` are taken from the earlier disc
+  orven explain 1012
+      tells what a failure means and where to look
+
+`orven COMMAND --help` tells more of a command.
+Exit codes: 0 done, 1 the run failed, 2 wrong usage, 130 interrupted by Ctrl-C.)";
+
+static const char AUTHOR_FOOTER[] = R"(
+The movies are not copied. They have to lie in the target folder already, as finished
+program streams with the names VTS_01_1.VOB, VTS_02_1.VOB and so on, and the project
+names them as `source`. A run fills their navigation packs in place.
+
+Relative paths in the project count from the folder in which orven is started.
+
+A small project:
+  [COMMON]
+  version=1.0
+  mode=PAL
+  [VMG]
+  titlesets=1
+  [VTS_1]
+  source=disc/VIDEO_TS/VTS_01_1.VOB
+  audio=AC3
+  chapters=2
+  chapter2=5400000
+
+Chapters count ticks of 1/90000 second: chapter 2 begins after one minute.)";
+
+static const char EXPLAIN_FOOTER[] = R"(
+CODE is the number of a message, 1012, or a whole result as a program gets it,
+0x840003F4 or 2214593524. Numbers below 1000 are those of the operating system.)";
+
+static fs::path toPath(const std::string& utf8)
+{
+    return fs::path(std::u8string(utf8.begin(), utf8.end()));
+}
+
+struct CommandLine {
+    std::string project, target, previous, log, code;
+    bool quiet = false;
+};
+
+static CLI::App* addAuthor(CLI::App* app, CommandLine* line)
+{
+    CLI::App* author = app->add_subcommand("author", "Author a disc from a project file");
+    author->add_option("PROJECT", line->project, "The project file")->required()->type_name("");
+    author->add_option("-t,--target", line->target, "The disc's VIDEO_TS folder; made where it is missing")
+        ->required()
+        ->type_name("DIR");
+    author->add_option("-p,--previous", line->previous, "Folder of an earlier run, for title sets that are skipped")
+        ->type_name("DIR");
+    author->add_option("-l,--log", line->log, "File to which the library appends what it finds wrong")
+        ->type_name("FILE");
+    author->add_flag("-q,--quiet", line->quiet, "Print nothing but failures");
+    author->footer(AUTHOR_FOOTER);
+    return author;
+}
+
+static CLI::App* addExplain(CLI::App* app, CommandLine* line)
+{
+    CLI::App* explain = app->add_subcommand("explain", "Tell what a result code means");
+    explain->add_option("CODE", line->code, "The code")->required()->type_name("");
+    explain->footer(EXPLAIN_FOOTER);
+    return explain;
+}
+
+static int runExplain(const std::string& text)
+{
+    uint64_t code;
+    if (!parseCode(text, &code)) {
+        platformPrintError("error: " + text + " is no result code; write 1012 or 0x840003F4\n");
+        return EXIT_USAGE;
+    }
+    const std::string more = explanation(code);
+    platformPrint(resultLine(code, platformResultText(code)) + "\n" + (more.empty() ? "" : "\n" + more + "\n"));
+    return EXIT_DONE;
+}
+
+static int runCommand(const CommandLine& line, bool author)
+{
+    if (!author) return runExplain(line.code);
+    return runAuthor(
+        { toPath(line.project), toPath(line.target), toPath(line.previous), toPath(line.log), line.quiet });
+}
+
+int runCommandLine(const std::vector<std::string>& arguments)
+{
+    CLI::App app(DESCRIPTION, "orven");
+    CommandLine line;
+    app.allow_windows_style_options(false);   // "/home/x" is a path
+    app.set_version_flag("--version", "orven " ORVEN_VERSION, "Print the version");
+    app.require_subcommand(1);
+    app.footer(FOOTER);
+    const CLI::App* author = addAuthor(&app, &line);
+    addExplain(&app, &line);
+    if (arguments.empty()) {
+        platformPrintError(app.help());
+        return EXIT_USAGE;
+    }
+    try {
+        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+        return runCommand(line, author->parsed());
+    } catch (const CLI::ParseError& problem) {
+        std::ostringstream out, err;
+        const bool asked = app.exit(problem, out, err) == 0;
+        platformPrint(out.str());
+        platformPrintError(err.str());
+        return asked ? EXIT_DONE : EXIT_USAGE;
+    } catch (const std::exception& problem) {
+        platformPrintError(std::string("error: ") + problem.what() + "\n");
+        return EXIT_RUN_FAILED;
+    }
+}

@@ -1,0 +1,42 @@
+// codes.h: the result codes that the host looks at, by name. Their texts come from the library.
+#pragma once
+
+#include <cstdint>
+
+constexpr uint64_t libraryCode(uint64_t id)
+{
+    return 0x84000000 + id;
+}
+
+inline constexpr uint64_t CODE_UNKNOWN_CHAR = libraryCode(1000), CODE_WRONG_CHAR = libraryCode(1001),
+                          CODE_NUMBER_EXPECTED = libraryCode(1003), CODE_STRING_EXPECTED = libraryCode(1004),
+                          CODE_COMMA_EXPECTED = libraryCode(1005), CODE_OPENING_EXPECTED = libraryCode(1006),
+                          CODE_CLOSING_EXPECTED = libraryCode(1007), CODE_DOT_EXPECTED = libraryCode(1008),
+                          CODE_NO_VERSION = libraryCode(1009), CODE_WRONG_VERSION = libraryCode(1010),
+                          CODE_VIDEO_MODE = libraryCode(1011), CODE_NO_TITLE_SETS = libraryCode(1012),
+                          CODE_ASPECT = libraryCode(1013), CODE_NO_BACKGROUND = libraryCode(1014),
+                          CODE_NO_SUBPICTURE = libraryCode(1015), CODE_RESOLUTION = libraryCode(1016),
+                          CODE_COLOR = libraryCode(1017), CODE_MENUS = libraryCode(1018),
+                          CODE_BUTTONS = libraryCode(1019), CODE_MENU_TYPE = libraryCode(1020),
+                          CODE_BITRATE = libraryCode(1022), CODE_MPEG_TYPE = libraryCode(1023),
+                          CODE_AUDIO_TYPE = libraryCode(1024), CODE_AUDIO_CHANNELS = libraryCode(1025),
+                          CODE_AUDIO_RATE = libraryCode(1026), CODE_AUDIO_SIZE = libraryCode(1027),
+                          CODE_COLON_EXPECTED = libraryCode(1029), CODE_LANGUAGE = libraryCode(1030),
+                          CODE_MENU_EXISTENCE = libraryCode(1031), CODE_POST_COMMAND = libraryCode(1032),
+                          CODE_NO_SOURCE = libraryCode(1033), CODE_CANCELED = libraryCode(1034),
+                          CODE_AUDIO_STREAMS = libraryCode(1035), CODE_TITLE_SETS = libraryCode(2007),
+                          CODE_NOT_MPEG = libraryCode(2008), CODE_CHAPTERS = libraryCode(2016),
+                          CODE_OLD_IFO = libraryCode(2020), CODE_MENU_ASSET = libraryCode(2031),
+                          CODE_WRITE_FAILED = libraryCode(4019), CODE_READ_FAILED = libraryCode(4020);
+
+inline constexpr uint64_t CODE_NULL_ARGUMENT = libraryCode(87), CODE_TITLE_SET_SKIPPED = libraryCode(1099);
+inline constexpr uint64_t CODE_BASE_ARGUMENT = 0x88010001, CODE_BASE_MEMORY = 0x88010002, CODE_SHORT_READ = 0x88010102;
+inline constexpr uint64_t CODE_NOTHING_SCANNED = 0xFFFFFFFFFFFFFFFD;          // the one result of more than 32 bits, -3
+inline constexpr uint64_t CODE_FILE_NOT_FOUND = 2, CODE_PATH_NOT_FOUND = 3;   // of the platform; 3 on Windows alone
+
+// A number of the platform: neither the library's nor the base layer's.
+constexpr bool isPlatformCode(uint64_t code)
+{
+    const uint64_t family = code & 0xFFFF0000;
+    return code != CODE_NOTHING_SCANNED && family != libraryCode(0) && family != 0x88010000;
+}

@@ -1,0 +1,33 @@
+// project_fault.h: the line of a project file that a failed run is about.
+#pragma once
+
+#include "project_file.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+struct ProjectFault {
+    const ProjectKey* key = nullptr;   // the line; null if a key is missing
+    std::u16string section;
+    std::u16string name;   // of the key
+    std::string why;       // a sentence where the code alone does not tell it; else empty
+};
+
+// What a run has said, and where it worked.
+struct RunOutcome {
+    uint64_t code;
+    std::vector<std::u16string> log;   // halved texts of the entries of this run
+    std::filesystem::path target, previous;
+};
+
+/** Finds the first key, in the order of the run's reading, that the library refuses; or the first file named in the
+ *  project that explains the code. Gives nothing unless it agrees with the code and with the log.
+ *  @return whether *fault was filled */
+bool findProjectFault(const ProjectFile& file, const RunOutcome& outcome, ProjectFault* fault);
+
+/** The reader's half of it: the first refused key. logText is the whole text that the library logs for it, or empty. */
+bool findRefusedKey(const ProjectFile& file, uint64_t* code, std::u16string* logText, ProjectFault* fault);
+
+/** The other half: a file named in the project that does not fit. */
+bool findUnfitFile(const ProjectFile& file, const RunOutcome& outcome, ProjectFault* fault);

@@ -1,0 +1,134 @@
+// project_file.cpp: a project file with its line numbers.
+#include "project_file.h"
+
+#include "text.h"
+
+#include <fstream>
+#include <iterator>
+
+static constexpr uint64_t MAX_TITLE_SETS = 99;
+static constexpr size_t SECTION_LIST_ROOM = 1023;   // characters of all section names that the library sees at once
+static constexpr size_t SECTION_LIST_CUT = 1022;    // a list of just this size counts as cut
+
+static std::u16string decode(std::string_view bytes)
+{
+    if (bytes.starts_with("\xFF\xFE")) {
+        std::u16string text;
+        for (size_t i = 2; i + 1 < bytes.size(); i += 2) {
+            text += char16_t(uint8_t(bytes[i]) | uint8_t(bytes[i + 1]) << 8);
+        }
+        return text;
+    }
+    if (bytes.starts_with("\xEF\xBB\xBF")) bytes.remove_prefix(3);
+    return wideOf(bytes);
+}
+
+static std::u16string_view trim(std::u16string_view text)
+{
+    const char16_t blanks[] = u" \t\r";
+    const size_t first = text.find_first_not_of(blanks);
+    if (first == text.npos) return {};
+    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+static std::u16string_view unquote(std::u16string_view text)
+{
+    const bool quoted =
+        text.size() >= 2 && text.front() == text.back() && (text.front() == u'"' || text.front() == u'\'');
+    return quoted ? text.substr(1, text.size() - 2) : text;
+}
+
+static void parseLine(ProjectFile* file, uint64_t number, std::u16string_view line)
+{
+    line = trim(line);
+    if (line.empty() || line.front() == u';') return;
+    if (line.front() == u'[') {
+        const size_t end = line.find(u']');
+        if (end == line.npos) return;
+        file->push_back({ number, std::u16string(trim(line.substr(1, end - 1))), {} });
+        return;
+    }
+    const size_t equals = line.find(u'=');
+    if (equals == line.npos || file->empty()) return;
+    file->back().keys.push_back({ number, std::u16string(line), std::u16string(trim(line.substr(0, equals))),
+                                  std::u16string(unquote(trim(line.substr(equals + 1)))) });
+}
+
+ProjectFile parseProject(std::string_view bytes)
+{
+    ProjectFile file;
+    const std::u16string text = decode(bytes);
+    uint64_t number = 0;
+    for (size_t at = 0; at < text.size();) {
+        const size_t end = std::min(text.find(u'\n', at), text.size());
+        parseLine(&file, ++number, std::u16string_view(text).substr(at, end - at));
+        at = end + 1;
+    }
+    return file;
+}
+
+ProjectFile readProject(const std::filesystem::path& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    return parseProject(std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()));
+}
+
+const ProjectSection* findSection(const ProjectFile& file, std::u16string_view section)
+{
+    for (const ProjectSection& candidate : file) {
+        if (sameName(candidate.name, section)) return &candidate;
+    }
+    return nullptr;
+}
+
+const ProjectKey* findKey(const ProjectFile& file, std::u16string_view section, std::u16string_view key)
+{
+    const ProjectSection* found = findSection(file, section);
+    if (!found) return nullptr;
+    for (const ProjectKey& candidate : found->keys) {
+        if (sameName(candidate.name, key)) return &candidate;
+    }
+    return nullptr;
+}
+
+uint64_t integerOf(const ProjectKey* key)
+{
+    uint32_t value = 0;
+    if (!key) return 0;
+    for (const char16_t unit : key->value) {
+        if (unit < u'0' || unit > u'9') break;
+        value = value * 10 + (unit - u'0');
+    }
+    return value;
+}
+
+std::u16string titleSetSection(const ProjectFile& file, uint64_t number)
+{
+    const std::string digits = std::to_string(number);
+    const std::u16string plain = u"VTS_" + wideOf(digits),
+                         padded = u"VTS_" + wideOf(digits.size() < 2 ? "0" + digits : digits);
+    size_t list = 0;
+    for (const ProjectSection& section : file) list += section.name.size() + 1;
+    const bool cut = list > SECTION_LIST_ROOM || list == SECTION_LIST_CUT;
+    return !cut && findSection(file, padded) ? padded : plain;
+}
+
+std::vector<PlannedTitleSet> plannedTitleSets(const ProjectFile& file)
+{
+    std::vector<PlannedTitleSet> planned;
+    const uint64_t count = std::min(integerOf(findKey(file, u"VMG", u"titlesets")), MAX_TITLE_SETS);
+    for (uint64_t number = 1; number <= count; number++) {
+        const std::u16string section = titleSetSection(file, number);
+        if (integerOf(findKey(file, section, u"skipvts"))) continue;
+        const std::u16string menuSection = u"VTS_" + wideOf(std::to_string(number)) + u"_MENU";
+        const bool menus =
+            !integerOf(findKey(file, menuSection, u"skipmenu")) && integerOf(findKey(file, section, u"menus"));
+        planned.push_back({ number, menus });
+    }
+    return planned;
+}
+
+bool managerHasMenus(const ProjectFile& file)
+{
+    return integerOf(findKey(file, u"VMG", u"menus")) != 0;
+}

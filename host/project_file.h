@@ -1,0 +1,47 @@
+// project_file.h: a project file with its line numbers, so that the host can show which line a failure is about. What
+// a name finds is what the library finds: the first of several, without regard to case.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct ProjectKey {
+    uint64_t line;         // from 1
+    std::u16string text;   // the line as written, without the blanks around it
+    std::u16string name;
+    std::u16string value;   // without blanks and quotes around it
+};
+
+struct ProjectSection {
+    uint64_t line;
+    std::u16string name;
+    std::vector<ProjectKey> keys;
+};
+
+typedef std::vector<ProjectSection> ProjectFile;
+
+ProjectFile parseProject(std::string_view bytes);
+/** An unreadable file is an empty project. */
+ProjectFile readProject(const std::filesystem::path& path);
+
+const ProjectSection* findSection(const ProjectFile& file, std::u16string_view section);
+/** Null where section or key is missing. */
+const ProjectKey* findKey(const ProjectFile& file, std::u16string_view section, std::u16string_view key);
+
+/** An integer key: decimal digits from the start of the value, modulo 2^32; 0 for anything else. */
+uint64_t integerOf(const ProjectKey* key);
+
+/** Section of title set n: "VTS_n", or "VTS_nn" where the file has that. */
+std::u16string titleSetSection(const ProjectFile& file, uint64_t number);
+
+// What the progress display wants to know about the title sets that a run writes, in order.
+struct PlannedTitleSet {
+    uint64_t number;
+    bool hasMenus;
+};
+
+std::vector<PlannedTitleSet> plannedTitleSets(const ProjectFile& file);
+bool managerHasMenus(const ProjectFile& file);
