@@ -7,23 +7,23 @@
 // A platform file: a HANDLE on Windows, a file descriptor elsewhere. 0 is "not open".
 typedef uint64_t OSFILE;
 
-//                                  access      sharing             creation
+//                               access      sharing             creation
 enum OsFileMode : uint64_t {
-    OS_READ = 1,             //     read        read                must exist
-    OS_CREATE = 2,           //     write       write               always new
-    OS_EXTEND = 3,           //     read/write  read, write         opened or created, kept
-    OS_APPEND = 4,           //     write       write               opened or created, positioned at the end
-    OS_FIX = 5,              //     read/write  read, write         must exist
-    OS_CREATE_READ = 6,      //     read/write  read, write         always new
-    OS_TEMPORARY = 7,        //     read/write  read, write, delete always new, a temporary file
+    OS_READ = 1,          //     read        read                must exist
+    OS_CREATE = 2,        //     write       write               always new
+    OS_EXTEND = 3,        //     read/write  read, write         opened or created, kept
+    OS_APPEND = 4,        //     write       write               opened or created, positioned at the end
+    OS_FIX = 5,           //     read/write  read, write         must exist
+    OS_CREATE_READ = 6,   //     read/write  read, write         always new
+    OS_TEMPORARY = 7,     //     read/write  read, write, delete always new, a temporary file
 };
 
 enum OsSeekOrigin : uint64_t { OS_FROM_START = 0, OS_FROM_CURRENT = 1, OS_FROM_END = 2 };
 
 inline constexpr uint64_t OS_DRIVE_UNKNOWN = 0, OS_DRIVE_FIXED = 3, OS_DRIVE_OPTICAL = 5;
 
-/** Opens a file. A null path or out, or a mode outside 1..7, is OS_INVALID_ARGUMENT. A directory, and on POSIX for the
-    reading modes 1 and 5 anything that has no size to read (a pipe, a terminal), is refused. *file is 0 on failure. */
+/** Opens a file. A null path or out, or a mode outside 1..7, is OS_INVALID_ARGUMENT. A directory is refused, and on
+    POSIX a pipe too, and in the modes 1 and 5 anything else that has no size to read. *file is 0 on failure. */
 [[nodiscard]] uint64_t osOpenFile(const char16_t* path, uint64_t mode, OSFILE* file);
 /** Closes and sets *file to 0; harmless on a null pointer and on 0. */
 uint64_t osCloseFile(OSFILE* file);
