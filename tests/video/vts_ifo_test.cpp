@@ -288,8 +288,8 @@ TEST(VtsIfo, TablesOfMoreThanASector)
     // PTT: 12 + 4 x 255 = 1032. PGCIT: 16 + 236 + 16 + 256 + 6120 + 1020 = 7664. Map: 765 units of 0.48 s are 367.2 s,
     // 73 entries: 16 + 292 = 308. Cell table: 8 + 3060 = 3068. Unit map: 4 + 3060 = 3064.
     EXPECT_EQ((1u + 1 + 4 + 1 + 2 + 2) * 2048, ifo.size());
-    expectAt(ifo, 200, "00 00 00 01 00 00 00 02 00 00 00 00 00 00 00 06", "parts 1 to 4");
-    expectAt(ifo, 216, "00 00 00 00 00 00 00 00 00 00 00 07 00 00 00 09", "parts 5 to 8");
+    expectAt(ifo, 200, "00 00 00 01 00 00 00 02 00 00 00 00 00 00 00 06", "tables 1 to 4");
+    expectAt(ifo, 216, "00 00 00 00 00 00 00 00 00 00 00 07 00 00 00 09", "tables 5 to 8");
     expectAt(ifo, 28, "00 00 00 0A", "last sector of the file");
     expectAt(ifo, 196, "00 00 00 0B", "start of the title");
     expectAt(ifo, 12, "00 00 0C 09", "last sector of the title set");   // 22 + 3060 - 1
