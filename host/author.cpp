@@ -45,6 +45,7 @@ static int checkUsage(const AuthorOptions& options)
     if (fs::is_directory(options.project, error)) {
         return refuse(shown(options.project) + " is a folder; the project is a file");
     }
+    if (fs::is_fifo(options.project, error)) return refuse("the project " + shown(options.project) + " is a pipe");
     if (!std::ifstream(options.project)) return refuse("the project file " + shown(options.project) + " can't be read");
     if (fs::exists(options.target, error) && !fs::is_directory(options.target, error)) {
         return refuse("the target " + shown(options.target) + " is a file; the disc needs a folder");
@@ -54,6 +55,7 @@ static int checkUsage(const AuthorOptions& options)
     }
     if (options.log.empty()) return EXIT_DONE;
     if (fs::is_directory(options.log, error)) return refuse("the log " + shown(options.log) + " is a folder");
+    if (fs::is_fifo(options.log, error)) return refuse("the log " + shown(options.log) + " is a pipe");
     if (!std::ofstream(options.log, std::ios::app))
         return refuse("the log " + shown(options.log) + " can't be written");
     return EXIT_DONE;

@@ -119,6 +119,11 @@ int runCommandLine(const std::vector<std::string>& arguments)
         platformPrintError(app.help());
         return EXIT_USAGE;
     }
+    const auto isFirst = [&](const CLI::App* command) { return command->get_name() == arguments[0]; };
+    if (arguments[0][0] != '-' && app.get_subcommands(isFirst).empty()) {
+        platformPrintError("error: there is no command " + arguments[0] + "; see orven --help\n");
+        return EXIT_USAGE;
+    }
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
         return runCommand(line, author->parsed());

@@ -37,7 +37,9 @@ static bool pathOf(const ProjectKey& key, fs::path* path)
 static std::string missingWhy(const fs::path& path)
 {
     std::error_code error;
-    if (fs::exists(path, error)) return fs::is_directory(path, error) ? "that is a folder" : "";
+    if (fs::is_directory(path, error)) return "that is a folder";
+    if (fs::is_fifo(path, error)) return "that is a pipe, not a file";   // opening it would wait
+    if (fs::exists(path, error)) return "";
     if (path.is_absolute()) return "there is no such file";
     return "there is no such file, seen from " + printable(fs::current_path(error).u16string());
 }

@@ -1,0 +1,93 @@
+// progress_test.cpp: what a run's progress looks like on a terminal and in a file.
+#include "host/progress.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// Title sets 1 and 3, of which 3 has menus; the manager has none.
+ProgressDisplay displayOf(ProgressMode mode)
+{
+    ProgressDisplay display;
+    display.mode = mode;
+    display.titleSets = { { 1, false }, { 3, true } };
+    return display;
+}
+
+struct Report {
+    uint32_t done, kind;
+};
+
+// The reports of such a run, of 100 units.
+const Report RUN[] = { { 0, 1 },  { 10, 2 }, { 30, 2 }, { 39, 3 }, { 40, 4 }, { 45, 1 }, { 50, 1 },
+                       { 60, 2 }, { 96, 3 }, { 97, 4 }, { 98, 5 }, { 99, 6 }, { 100, 7 } };
+
+TEST(Progress, OneLineAStage)
+{
+    ProgressDisplay display = displayOf(PROGRESS_LINES);
+    std::string text;
+    for (const Report& report : RUN) text += progressStep(&display, 100, report.done, report.kind, 0);
+    text += progressEnd(&display);
+    EXPECT_EQ(text, " 10%  title set 1: movie\n"
+                    " 39%  title set 1: tables\n"
+                    " 40%  title set 1: backup\n"
+                    " 45%  title set 3: menus\n"
+                    " 60%  title set 3: movie\n"
+                    " 96%  title set 3: tables\n"
+                    " 97%  title set 3: backup\n"
+                    " 99%  disc manager: tables\n"
+                    "100%  disc manager: backup\n");
+}
+
+TEST(Progress, BarIsRedrawnOnlyWhenItChanges)
+{
+    ProgressDisplay display = displayOf(PROGRESS_BAR);
+    EXPECT_EQ(progressStep(&display, 1000, 0, 2, 80),
+              "\rtitle set 1: movie     [-------------------------------------------------]   0%");
+    EXPECT_EQ(progressStep(&display, 1000, 1, 2, 80), "");
+    EXPECT_NE(progressStep(&display, 1000, 10, 2, 80), "");
+    EXPECT_EQ(progressStep(&display, 1000, 10, 2, 80), "");
+    EXPECT_EQ(progressEnd(&display), "\n");
+    EXPECT_EQ(progressEnd(&display), "");
+}
+
+// A narrower window leaves nothing of the line before.
+TEST(Progress, ShorterLineCoversTheLongerOne)
+{
+    ProgressDisplay display = displayOf(PROGRESS_BAR);
+    const size_t wide = progressStep(&display, 10, 1, 2, 80).size();
+    const std::string narrow = progressStep(&display, 10, 1, 2, 30);
+    EXPECT_EQ(narrow.size(), wide);
+    EXPECT_EQ(narrow.substr(0, 27), "\rtitle set 1: movie     10%");
+    EXPECT_EQ(narrow.find_last_not_of(' '), 26u);
+}
+
+TEST(Progress, LineFitsEveryWidth)
+{
+    for (uint64_t columns = 1; columns < 200; columns++) {
+        EXPECT_LE(progressLine("title set 99: backup", 50, 100, columns).size(), columns);
+    }
+    EXPECT_EQ(progressLine("title set 1: movie", 5, 10, 42), "title set 1: movie     [######------]  50%");
+    EXPECT_EQ(progressLine("title set 1: movie", 5, 10, 26), "title set 1: movie     50%");
+    EXPECT_EQ(progressLine("x", 0, 0, 26), "x                       0%");
+    EXPECT_EQ(progressLine("x", 7, 5, 26), "x                     100%");   // never more than all
+}
+
+TEST(Progress, QuietSaysNothing)
+{
+    ProgressDisplay display = displayOf(PROGRESS_NONE);
+    for (const Report& report : RUN) EXPECT_EQ(progressStep(&display, 100, report.done, report.kind, 80), "");
+    EXPECT_EQ(progressEnd(&display), "");
+}
+
+TEST(Progress, MoreTitleSetsThanPlanned)
+{
+    ProgressDisplay display;
+    display.managerMenus = true;
+    EXPECT_EQ(stageName(display, 2), "title set: movie");
+    EXPECT_EQ(stageName(display, 5), "disc manager: menus");
+    EXPECT_EQ(stageName(display, 0), "");
+    EXPECT_EQ(stageName(display, 8), "");
+}
+
+}   // namespace
