@@ -19,7 +19,8 @@ enum ProgressKind : uint32_t {
 inline constexpr uint64_t PROGRESS_WHOLE = 0x10000;   // the fraction 1.0 of a stage's work
 inline constexpr uint64_t PROGRESS_HALF = 0x8000;
 
-/** Sizes the units of a model that has been read whole: a file of the user's costs units, an IFO and a backup one each. */
+/** Sizes the units of a model that has been read whole: a file of the user's costs units, an IFO and a backup one each.
+ */
 void orvPrepareUnits(DiscContext* context);
 
 /** Reports value, a fraction of the stage's work, to the host. titleSetNumber counts for kinds 1 to 4.

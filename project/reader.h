@@ -1,5 +1,5 @@
-// reader.h: the sections of a DVD-Video project file, read into the model. Every reader returns at the first fault, with
-// the fault's code; what the user can mend in the text of a value is logged as well.
+// reader.h: the sections of a DVD-Video project file, read into the model. Every reader returns at the first fault,
+// with the fault's code; what the user can mend in the text of a value is logged as well.
 #pragma once
 
 #include "base/profile.h"
@@ -9,6 +9,8 @@
 
 /** Section COMMON: format version and video standard. */
 [[nodiscard]] uint64_t orvReadCommon(const RunHead* run, const OsProfile* file, int64_t* standard);
+/** The same section for a DVD-Audio run: no version, a wrong version and a wrong mode have codes of that run. */
+[[nodiscard]] uint64_t orvReadAudioCommon(const RunHead* run, const OsProfile* file, int64_t* standard);
 /** Section FIRSTPLAY: the command with which a disc starts. */
 [[nodiscard]] uint64_t orvReadFirstPlay(DiscContext* context, const OsProfile* file);
 /** Section VMG with all title sets and the manager's menus. vmg is the manager's record in the context. */
