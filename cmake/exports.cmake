@@ -10,7 +10,7 @@ function(orven_exports target)
   else()
     list(JOIN ORVEN_EXPORTS ";\n        " names)
     file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/orven.map
-      CONTENT "{\n    global:\n        ${names}\;\n    local:\n        *\;\n}\;\n")
+      CONTENT "{\n    global:\n        ${names};\n    local:\n        *;\n};\n")
     target_link_options(${target} PRIVATE -Wl,--version-script=${PROJECT_BINARY_DIR}/orven.map -Wl,-z,defs
       -Wl,-z,relro,-z,now)
     set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${PROJECT_BINARY_DIR}/orven.map)
