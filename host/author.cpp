@@ -27,11 +27,6 @@ extern "C" void onInterrupt(int)
     std::signal(SIGINT, SIG_DFL);
 }
 
-static std::string shown(const fs::path& path)
-{
-    return printable(path.u16string());
-}
-
 static int refuse(const std::string& sentence)
 {
     platformPrintError("error: " + sentence + "\n");
@@ -41,23 +36,26 @@ static int refuse(const std::string& sentence)
 static int checkUsage(const AuthorOptions& options)
 {
     std::error_code error;
-    if (!fs::exists(options.project, error)) return refuse("there is no project file " + shown(options.project));
+    if (!fs::exists(options.project, error))
+        return refuse("there is no project file " + printablePath(options.project));
     if (fs::is_directory(options.project, error)) {
-        return refuse(shown(options.project) + " is a folder; the project is a file");
+        return refuse(printablePath(options.project) + " is a folder; the project is a file");
     }
-    if (fs::is_fifo(options.project, error)) return refuse("the project " + shown(options.project) + " is a pipe");
-    if (!std::ifstream(options.project)) return refuse("the project file " + shown(options.project) + " can't be read");
+    if (fs::is_fifo(options.project, error))
+        return refuse("the project " + printablePath(options.project) + " is a pipe");
+    if (!std::ifstream(options.project))
+        return refuse("the project file " + printablePath(options.project) + " can't be read");
     if (fs::exists(options.target, error) && !fs::is_directory(options.target, error)) {
-        return refuse("the target " + shown(options.target) + " is a file; the disc needs a folder");
+        return refuse("the target " + printablePath(options.target) + " is a file; the disc needs a folder");
     }
     if (!options.previous.empty() && !fs::is_directory(options.previous, error)) {
-        return refuse("there is no previous folder " + shown(options.previous));
+        return refuse("there is no previous folder " + printablePath(options.previous));
     }
     if (options.log.empty()) return EXIT_DONE;
-    if (fs::is_directory(options.log, error)) return refuse("the log " + shown(options.log) + " is a folder");
-    if (fs::is_fifo(options.log, error)) return refuse("the log " + shown(options.log) + " is a pipe");
+    if (fs::is_directory(options.log, error)) return refuse("the log " + printablePath(options.log) + " is a folder");
+    if (fs::is_fifo(options.log, error)) return refuse("the log " + printablePath(options.log) + " is a pipe");
     if (!std::ofstream(options.log, std::ios::app))
-        return refuse("the log " + shown(options.log) + " can't be written");
+        return refuse("the log " + printablePath(options.log) + " can't be written");
     return EXIT_DONE;
 }
 
@@ -92,14 +90,14 @@ static std::string faultLines(const AuthorOptions& options, const ProjectFile& p
     if (!findProjectFault(project, outcome, &fault)) return "";
     const std::string because = fault.why.empty() ? "" : "    " + fault.why + "\n";
     if (fault.key) {
-        return "  " + shown(options.project) + ":" + std::to_string(fault.key->line) + ": " +
+        return "  " + printablePath(options.project) + ":" + std::to_string(fault.key->line) + ": " +
                printable(fault.key->text) + "\n" + because;
     }
     const ProjectSection* section = findSection(project, fault.section);
     const std::string place = section
                                   ? ":" + std::to_string(section->line) + ": [" + printable(fault.section) + "] has no "
                                   : ": there is no section [" + printable(fault.section) + "] with a key ";
-    return "  " + shown(options.project) + place + "`" + printable(fault.name) + "`\n" + because;
+    return "  " + printablePath(options.project) + place + "`" + printable(fault.name) + "`\n" + because;
 }
 
 static int reportFailure(const AuthorOptions& options, const ProjectFile& project, const RunOutcome& outcome)
@@ -107,7 +105,7 @@ static int reportFailure(const AuthorOptions& options, const ProjectFile& projec
     const bool canceled = outcome.code == CODE_CANCELED && interrupted;
     std::string text = "error: " + resultLine(outcome.code, platformResultText(outcome.code)) + "\n";
     text += faultLines(options, project, outcome) + logLines(outcome.log);
-    text += canceled ? "  the disc in " + shown(options.target) + " is not finished\n"
+    text += canceled ? "  the disc in " + printablePath(options.target) + " is not finished\n"
                      : "  more: orven explain " + shortCode(outcome.code) + "\n";
     platformPrintError(text);
     return canceled ? EXIT_INTERRUPTED : EXIT_RUN_FAILED;
@@ -117,7 +115,7 @@ static void reportSuccess(const AuthorOptions& options, const RunOutcome& outcom
 {
     if (!outcome.log.empty())
         platformPrintError("warning: the disc is written, but the library has logged:\n" + logLines(outcome.log));
-    if (!options.quiet) platformPrint("disc written to " + shown(options.target) + "\n");
+    if (!options.quiet) platformPrint("disc written to " + printablePath(options.target) + "\n");
 }
 
 static ProgressDisplay displayFor(const AuthorOptions& options, const ProjectFile& project)
@@ -155,7 +153,8 @@ int runAuthor(const AuthorOptions& options)
     std::error_code error;
     fs::create_directories(options.target, error);
     if (!fs::is_directory(options.target)) {
-        platformPrintError("error: the folder " + shown(options.target) + " can't be made: " + error.message() + "\n");
+        platformPrintError("error: the folder " + printablePath(options.target) + " can't be made: " + error.message() +
+                           "\n");
         return EXIT_RUN_FAILED;
     }
     if (!options.log.empty()) return runWithLog(options, fs::absolute(options.log));

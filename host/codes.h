@@ -25,9 +25,10 @@ inline constexpr uint64_t CODE_UNKNOWN_CHAR = libraryCode(1000), CODE_WRONG_CHAR
                           CODE_MENU_EXISTENCE = libraryCode(1031), CODE_POST_COMMAND = libraryCode(1032),
                           CODE_NO_SOURCE = libraryCode(1033), CODE_CANCELED = libraryCode(1034),
                           CODE_AUDIO_STREAMS = libraryCode(1035), CODE_TITLE_SETS = libraryCode(2007),
-                          CODE_NOT_MPEG = libraryCode(2008), CODE_CHAPTERS = libraryCode(2016),
-                          CODE_OLD_IFO = libraryCode(2020), CODE_MENU_ASSET = libraryCode(2031),
-                          CODE_WRITE_FAILED = libraryCode(4019), CODE_READ_FAILED = libraryCode(4020);
+                          CODE_NOT_MPEG = libraryCode(2008), CODE_NOT_SUPPORTED = libraryCode(2013),
+                          CODE_CHAPTERS = libraryCode(2016), CODE_OLD_IFO = libraryCode(2020),
+                          CODE_MENU_ASSET = libraryCode(2031), CODE_WRITE_FAILED = libraryCode(4019),
+                          CODE_READ_FAILED = libraryCode(4020);
 
 inline constexpr uint64_t CODE_NULL_ARGUMENT = libraryCode(87), CODE_TITLE_SET_SKIPPED = libraryCode(1099);
 inline constexpr uint64_t CODE_BASE_ARGUMENT = 0x88010001, CODE_BASE_MEMORY = 0x88010002, CODE_SHORT_READ = 0x88010102;

@@ -29,5 +29,5 @@ bool findProjectFault(const ProjectFile& file, const RunOutcome& outcome, Projec
 /** The reader's half of it: the first refused key. logText is the whole text that the library logs for it, or empty. */
 bool findRefusedKey(const ProjectFile& file, uint64_t* code, std::u16string* logText, ProjectFault* fault);
 
-/** The other half: a file named in the project that does not fit. */
+/** The other half: what is well written but can't be had, such as a file that is missing. */
 bool findUnfitFile(const ProjectFile& file, const RunOutcome& outcome, ProjectFault* fault);

@@ -84,6 +84,12 @@ std::string printable(std::u16string_view text)
     return utf8Of(clean);
 }
 
+std::string printablePath(const std::filesystem::path& path)
+{
+    const std::u8string text = path.u8string();
+    return printable(wideOf(std::string(text.begin(), text.end())));
+}
+
 static char16_t lowerCase(char16_t unit)
 {
     return unit >= u'A' && unit <= u'Z' ? char16_t(unit + 32) : unit;

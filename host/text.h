@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -12,6 +13,9 @@ std::string utf8Of(std::u16string_view text);
 /** UTF-8 with a question mark in the place of each control character, so that a file's content can't steer a terminal.
  */
 std::string printable(std::u16string_view text);
+
+/** The same of a path, whatever bytes its name is made of. */
+std::string printablePath(const std::filesystem::path& path);
 
 /** Compares without regard to the case of Latin letters. */
 bool sameName(std::u16string_view a, std::u16string_view b);

@@ -5,6 +5,7 @@
 #include "text.h"
 #include "value_check.h"
 
+#include <algorithm>
 #include <fstream>
 
 namespace fs = std::filesystem;
@@ -41,7 +42,7 @@ static std::string missingWhy(const fs::path& path)
     if (fs::is_fifo(path, error)) return "that is a pipe, not a file";   // opening it would wait
     if (fs::exists(path, error)) return "";
     if (path.is_absolute()) return "there is no such file";
-    return "there is no such file, seen from " + printable(fs::current_path(error).u16string());
+    return "there is no such file, seen from " + printablePath(fs::current_path(error));
 }
 
 static std::string notReadableWhy(const fs::path& path)
@@ -153,6 +154,20 @@ static bool missingEarlierTitleSet(const ProjectFile& file, const RunOutcome& ou
     return false;
 }
 
+// Menus are read and checked, but not made yet: the first title set that has some ends the run.
+static bool unmadeMenus(const ProjectFile& file, ProjectFault* fault)
+{
+    std::u16string section = u"VMG";
+    const std::vector<PlannedTitleSet> planned = plannedTitleSets(file);
+    const auto withMenus =
+        std::find_if(planned.begin(), planned.end(), [](const PlannedTitleSet& set) { return set.hasMenus; });
+    if (withMenus != planned.end()) section = titleSetSection(file, withMenus->number);
+    const ProjectKey* menus = findKey(file, section, u"menus");
+    if (integerOf(menus) == 0) return false;
+    *fault = { menus, section, u"menus", "menus are not made yet" };
+    return true;
+}
+
 bool findUnfitFile(const ProjectFile& file, const RunOutcome& outcome, ProjectFault* fault)
 {
     switch (outcome.code) {
@@ -161,6 +176,7 @@ bool findUnfitFile(const ProjectFile& file, const RunOutcome& outcome, ProjectFa
     case CODE_NOTHING_SCANNED: return unfitMovie(file, noSectorWhy, fault);
     case CODE_NOT_MPEG: return unfitAsset(file, { u"background" }, notMpegWhy, fault);
     case CODE_MENU_ASSET: return unfitAsset(file, { u"background" }, notReadableWhy, fault);
+    case CODE_NOT_SUPPORTED: return unmadeMenus(file, fault);
     case CODE_OLD_IFO: return missingEarlierTitleSet(file, outcome, fault);
     case CODE_FILE_NOT_FOUND:
     case CODE_PATH_NOT_FOUND:

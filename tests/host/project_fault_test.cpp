@@ -237,7 +237,7 @@ TEST(ProjectFile, ReadsAsTheLibraryDoes)
 TEST(ProjectFile, ReadsItsEncodings)
 {
     const std::string plain = "[A]\nk=\xC3\xA4\xE6\x97\xA5\xF0\x9F\x8E\xAC\n";
-    const std::string wide("\xFF\xFE[\0A\0]\0\n\0k\0=\0\xE4\0\xE5\x65\x3C\xD8\xAC\xDF\n\0", 28);
+    const std::string wide("\xFF\xFE[\0A\0]\0\n\0k\0=\0\xE4\0\xE5\x65\x3C\xD8\xAC\xDF\n\0", 24);
     for (const std::string& bytes : { plain, "\xEF\xBB\xBF" + plain, wide }) {
         const ProjectFile file = parseProject(bytes);
         ASSERT_TRUE(findKey(file, u"A", u"k")) << bytes;
@@ -289,6 +289,21 @@ TEST(ProjectFault, NamesAMenuFileThatIsNoMpeg)
     ASSERT_TRUE(findProjectFault(file, outcomeOf(CODE_NOT_MPEG, u""), &fault));
     EXPECT_EQ(fault.key->line, 13u);
     EXPECT_EQ(fault.why, "the file begins neither with a sequence header nor with a pack");
+}
+
+TEST(ProjectFault, NamesMenusThatAreNotMade)
+{
+    const std::string head = "[COMMON]\nversion=1.0\n[VMG]\ntitlesets=1\nmenus=";
+    const std::string menu = "background=a\nsubpicture=b\n";
+    const std::string rest = "\n[VTS_1]\nsource=a\nmenus=1\n[VTS_1_MENU1]\n" + menu + "[VMG_MENU1]\n" + menu;
+    ProjectFault fault;
+    ASSERT_TRUE(findProjectFault(parseProject(head + "1" + rest), outcomeOf(CODE_NOT_SUPPORTED, u""), &fault));
+    EXPECT_EQ(fault.key->line, 8u);
+    ASSERT_TRUE(findProjectFault(parseProject(head + "1" + rest + "[VTS_1_MENU]\nskipmenu=1\n"),
+                                 outcomeOf(CODE_NOT_SUPPORTED, u""), &fault));
+    EXPECT_EQ(fault.key->line, 5u);
+    EXPECT_FALSE(findProjectFault(parseProject(head + "0" + rest + "[VTS_1_MENU]\nskipmenu=1\n"),
+                                  outcomeOf(CODE_NOT_SUPPORTED, u""), &fault));
 }
 
 TEST(ProjectFault, NamesASkippedTitleSetThatNobodyAuthored)

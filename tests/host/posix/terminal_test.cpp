@@ -212,6 +212,15 @@ TEST(Terminal, PipesDoNotStopTheProgram)
     EXPECT_EQ(log.exitCode, 2);
 }
 
+// A file's name is any bytes on these systems. The library takes names as UTF-8 alone, so it can't find this one.
+TEST(Terminal, NamesThatAreNotText)
+{
+    const TempDir folder;
+    const ProcessResult missing = runOrven({ "author", "\xFF.ini", "-t", "t" }, folder.root);
+    EXPECT_EQ(missing.exitCode, 2);
+    EXPECT_EQ(missing.err, "error: there is no project file \xEF\xBF\xBD.ini\n");
+}
+
 TEST(Terminal, FailedRunLeavesNoTemporaryFile)
 {
     const TempDir folder;
