@@ -58,6 +58,7 @@ struct Vob {
     Octets bytes;
     std::vector<Nav> navs;
     uint64_t sectors = 0;
+    bool isMenu = false;
 };
 
 struct Cell {
@@ -175,6 +176,12 @@ void checkSearch(const View& view, const Vob& vob, uint64_t i, uint64_t k, bool 
     if ((word >> 30) != (k < 15 ? 2u : 3u)) view.fault(way, " pointer ", k, " of sector ", nav.sector, ": top bits");
 }
 
+// Low 32 bits of a clock whose groups of 3, 15 and 15 bits begin at these bits.
+uint64_t clockOf(uint64_t bits, int high, int middle, int low)
+{
+    return ((bits >> high & 7) << 30 | (bits >> middle & 0x7FFF) << 15 | (bits >> low & 0x7FFF)) & 0xFFFFFFFF;
+}
+
 void checkAudioSync(const View& view, const Vob& vob, const Nav& nav, uint64_t streams)
 {
     for (uint64_t a = 0; a < 8; a++) {
@@ -191,14 +198,17 @@ void checkAudioSync(const View& view, const Vob& vob, const Nav& nav, uint64_t s
         const uint64_t number = id == 0xBD ? view.get(at + 23 + view.get(at + 22, 1), 1) : id;
         const bool audio = id == 0xBD ? number >= 0x80 && number < 0xA8 : id >= 0xC0 && id < 0xC8;
         if (!audio || (number & 7) != a) view.fault("sync of audio ", a, " leads to no such pack, sector ", nav.sector);
+        const bool stamped = view.get(at + 21, 1) & 0x80;
+        if (stamped && clockOf(view.get(at + 23, 5), 33, 17, 1) > nav.start) {
+            view.fault("sync of audio ", a, " leads to a later time, sector ", nav.sector);
+        }
         view.report->audioPointers++;
     }
 }
 
-uint64_t packClock(const View& view, uint64_t at)   // low 32 bits of the SCR base
+uint64_t packClock(const View& view, uint64_t at)   // SCR base of a pack header
 {
-    const uint64_t bits = view.get(at + 4, 6);
-    return ((bits >> 43 & 7) << 30 | (bits >> 27 & 0x7FFF) << 15 | (bits >> 11 & 0x7FFF)) & 0xFFFFFFFF;
+    return clockOf(view.get(at + 4, 6), 43, 27, 11);
 }
 
 void checkNav(const View& view, const Vob& vob, uint64_t i, uint64_t audioStreams)
@@ -220,8 +230,16 @@ void checkNav(const View& view, const Vob& vob, uint64_t i, uint64_t audioStream
         before = end;
     }
     if (nav.start >= nav.end) view.fault("no display time, sector ", nav.sector);
+    // Display goes on where it ends, but a unit of fewer than ten pictures is declared twelve frames long.
+    const bool goesOn = i + 1 < vob.navs.size() && vob.navs[i + 1].vob == nav.vob;
+    const uint64_t length = nav.end - nav.start;
+    if (goesOn && nav.end != vob.navs[i + 1].start && length != 12 * 3600 && length != 12 * 3003) {
+        view.fault("display ends at another time than the next one begins, sector ", nav.sector);
+    }
     const bool first = i == 0 || !sameCell(vob.navs[i - 1], nav);
-    if (first && (view.get(at + 69, 4) & 0xFFFFFF3F))
+    // Meant: the elapsed time of a title goes on where a new VOB keeps the number of the cell.
+    const bool newCount = i == 0 || vob.navs[i - 1].cell != nav.cell || (vob.isMenu && first);
+    if (newCount && (view.get(at + 69, 4) & 0xFFFFFF3F))
         view.fault("first of its cell has elapsed time, sector ", nav.sector);
     if (!first && vob.navs[i - 1].start >= nav.start) view.fault("display goes back at sector ", nav.sector);
     checkNeighbour(view, vob, i, 1345, true, "next unit");
@@ -248,6 +266,7 @@ Vob loadVob(const fs::path& folder, const std::string& prefix, uint64_t first, u
         vob.bytes.insert(vob.bytes.end(), part.begin(), part.end());
     }
     vob.sectors = vob.bytes.size() / SECTOR;
+    vob.isMenu = first == last;
     const View view = { &vob.bytes, prefix + "*.VOB", &report };
     findNavs(view, vob);
     for (uint64_t i = 0; i < vob.navs.size(); i++) checkNav(view, vob, i, audioStreams);

@@ -1,0 +1,117 @@
+// Targets that cannot be written, and domains with menus.
+#include "tests/run/disc_run.h"
+#include "tests/video/table_bytes.h"
+
+namespace fs = std::filesystem;
+
+// ---- targets ------------------------------------------------------------------------------------------------------
+
+TEST(Target, WhatCannotBeWritten)
+{
+    const struct {
+        const char* what;
+        const char* inTheWay;   // a folder of this name in the target
+        uint64_t result;
+    } cases[] = {
+        { "nothing", "other", 0 },
+        { "title set IFO", "VTS_01_0.IFO", 0x840007DB },
+        { "manager IFO", "VIDEO_TS.IFO", 0x840007D5 },
+        // The results of the copies are not looked at.
+        { "title set backup", "VTS_01_0.BUP", 0 },
+        { "manager backup", "VIDEO_TS.BUP", 0 },
+        // Nobody opens the menu VOBs of a disc without menus.
+        { "title set menus", "VTS_01_0.VOB", 0 },
+        { "manager menus", "VIDEO_TS.VOB", 0 },
+    };
+    for (const auto& c : cases) {
+        DiscRun run;
+        run.put("VTS_01_1.VOB", fourUnits().bytes);
+        fs::create_directory(fs::path(run.inTarget(c.inTheWay)));
+        EXPECT_EQ(c.result, run.author(plainProject(run, 1))) << c.what;
+        EXPECT_FALSE(fileExists(run.log)) << c.what;
+        EXPECT_TRUE(fs::is_directory(fs::path(run.inTarget(c.inTheWay)))) << c.what;
+        EXPECT_TRUE(fs::is_empty(fs::path(run.inTarget(c.inTheWay)))) << c.what;
+    }
+}
+
+TEST(Target, MissingFolderIsNotMade)
+{
+    DiscRun run;
+    run.put("VTS_01_1.VOB", fourUnits().bytes);
+    const std::string project = plainProject(run, 1);
+    const std::u16string missing = (run.folder.root / "missing" / "").u16string();
+    run.target = missing;
+    EXPECT_EQ(0x840007DBu, run.author(project));
+    EXPECT_FALSE(fileExists(missing));
+}
+
+TEST(Target, AFileInPlaceOfTheFolder)
+{
+    DiscRun run;
+    run.put("VTS_01_1.VOB", fourUnits().bytes);
+    const std::string project = plainProject(run, 1);
+    writeFile(run.folder / u"file", fromHex("01"));
+    run.target = (run.folder.root / "file" / "").u16string();
+    EXPECT_EQ(0x840007DBu, run.author(project));
+    EXPECT_EQ(fromHex("01"), readFile(run.folder / u"file"));
+}
+
+// The path is put before the names as it stands.
+TEST(Target, WithoutTrailingSeparator)
+{
+    DiscRun run;
+    run.put("VTS_01_1.VOB", fourUnits().bytes);
+    const std::string project = plainProject(run, 1);
+    run.target.pop_back();
+    ASSERT_EQ(0u, run.author(project));
+    for (const std::string& name : WRITTEN) EXPECT_TRUE(fileExists(run.folder / toWide("target" + name))) << name;
+    EXPECT_EQ(1u, takeSnapshot(run.folder.root / "target").size());
+}
+
+// ---- menus, as long as there is nothing that makes them -----------------------------------------------------------
+//
+// State before menus exist: a domain with menus ends the run with "the given command is not supported" before its VOB
+// is made. These tests go when the menus come.
+
+namespace {
+
+std::string menuSection(const DiscRun& run, const std::string& section)
+{
+    return "[" + section + "]\nbackground=" + run.text("menu.m2v") + "\nsubpicture=" + run.text("menu.bmp") +
+           "\nbuttons=1\nbutton1=10,100,20,200,1,1,1,1,1,BTN_ACTION_JUMP_TT(1,0,0)\n";
+}
+
+}   // namespace
+
+TEST(MenusNotYet, TitleSet)
+{
+    DiscRun run;
+    run.put("VTS_01_1.VOB", fourUnits().bytes);
+    run.put("menu.m2v", fromHex("00 00 01 B3"));
+    const Snapshot before = takeSnapshot(run.folder.root / "target");
+    EXPECT_EQ(0x840007DDu, run.author(plainProject(run, 1) + "menus=1\n" + menuSection(run, "VTS_1_MENU1")));
+    EXPECT_EQ(before, takeSnapshot(run.folder.root / "target"));
+}
+
+TEST(MenusNotYet, SkippedMenusAreNone)
+{
+    DiscRun run;
+    run.put("VTS_01_1.VOB", fourUnits().bytes);
+    run.put("VTS_01_0.VOB", fromHex("01"));
+    ASSERT_EQ(
+        0u, run.author(plainProject(run, 1) + "menus=1\n[VTS_1_MENU]\nskipmenu=1\n" + menuSection(run, "VTS_1_MENU1")));
+    expectAt(run.get("VTS_01_0.IFO"), 192, "00 00 00 00 00 00 00 06", "no menus");
+    EXPECT_EQ(fromHex("01"), run.get("VTS_01_0.VOB"));
+}
+
+TEST(MenusNotYet, Manager)
+{
+    DiscRun run;
+    run.put("VTS_01_1.VOB", fourUnits().bytes);
+    run.put("menu.m2v", fromHex("00 00 01 B3"));
+    std::string project = plainProject(run, 1);
+    project.insert(project.find("titlesets="), "menus=1\n");
+    EXPECT_EQ(0x840007DDu, run.author(project + menuSection(run, "VMG_MENU1")));
+    EXPECT_TRUE(run.has("VTS_01_0.BUP"));   // the title sets are written before
+    for (const char* file : { "VIDEO_TS.VOB", "VIDEO_TS.IFO", "VIDEO_TS.BUP" }) EXPECT_FALSE(run.has(file)) << file;
+}
