@@ -42,8 +42,8 @@ const VersionCase VERSIONS[] = {
     { "x.1", 0x840003EB, {} },
     { "2.x", 0x840003EB, {} },   // the minor number is read before the major one is judged
     { "10000000000.0", 0x840003EB, {} },
-    { "\"1" + blanks(28) + ".0\"", 0, {} },                                      // 31 characters
-    { "\"1" + blanks(29) + ".0\"", 0x840003EB, { { 0x840003EB, NO_MINOR } } },   // the 32nd is cut off
+    { "1" + blanks(28) + ".0", 0, {} },                                      // 31 characters
+    { "1" + blanks(29) + ".0", 0x840003EB, { { 0x840003EB, NO_MINOR } } },   // the 32nd is cut off
     { "\x01", 0x840003E8, { { 0x840003E8, u"Unknown ASCII character in this string: \x01" } } },
     { "1\x02.0", 0x840003E9, { { 0x840003E9, u"Wrong ASCII character during parsing: 1\x02.0" } } },
 };
