@@ -3,6 +3,8 @@
 
 #include "tests/run/disc_run.h"
 
+#include <algorithm>
+
 namespace {
 
 // One title set of 40 units, 19.2 seconds, four cells, two audio streams.
@@ -140,6 +142,22 @@ TEST(DiscReader, EveryFieldCounts)
         if (isIfo) run.put(backup, sound);
     }
     EXPECT_EQ("", describeFaults(readDisc(run.folder.root / "target")));
+}
+
+// A pointer that is empty although a unit of the cell holds its time: half a second on and half a second back.
+TEST(DiscReader, MissingPointer)
+{
+    DiscRun run;
+    authorDisc(run);
+    const Bytes sound = run.get("VTS_01_1.VOB");
+    for (const uint64_t at : { uint64_t(300 * 2048 + 1341), uint64_t(300 * 2048 + 1353) }) {
+        Bytes changed = sound;
+        const Bytes empty = fromHex("3F FF FF FF");
+        ASSERT_NE(empty, Bytes(sound.begin() + std::ptrdiff_t(at), sound.begin() + std::ptrdiff_t(at + 4)));
+        std::copy(empty.begin(), empty.end(), changed.begin() + std::ptrdiff_t(at));
+        run.put("VTS_01_1.VOB", changed);
+        EXPECT_NE("", describeFaults(readDisc(run.folder.root / "target"))) << at;
+    }
 }
 
 TEST(DiscReader, Files)

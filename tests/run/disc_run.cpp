@@ -124,7 +124,8 @@ uint64_t changedOutsideNavPacks(const Bytes& before, const Bytes& after)
     for (uint64_t at = 0; at < before.size(); at += PACK_BYTES) {
         const bool nav = at + PACK_BYTES <= before.size() &&
                          std::equal(systemHeader.begin(), systemHeader.end(), before.begin() + std::ptrdiff_t(at + 14));
-        if (nav) continue;
+        const std::ptrdiff_t from = std::ptrdiff_t(at), to = std::ptrdiff_t(std::min(at + PACK_BYTES, before.size()));
+        if (nav || std::equal(before.begin() + from, before.begin() + to, after.begin() + from)) continue;
         for (uint64_t i = at; i < at + PACK_BYTES && i < before.size(); i++) changed += before[i] != after[i];
     }
     return changed;

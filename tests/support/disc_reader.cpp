@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 #include <set>
 #include <sstream>
 #include <tuple>
@@ -70,14 +69,16 @@ bool load(const fs::path& path, Octets& bytes)
 {
     std::ifstream in(path, std::ios::binary);
     if (!in.good()) return false;
-    bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    return true;
+    bytes.resize(fs::file_size(path));
+    in.read(reinterpret_cast<char*>(bytes.data()), std::streamsize(bytes.size()));
+    return in.good();
 }
 
 uint64_t navAt(const Vob& vob, uint64_t sector)   // index, or the count if none begins there
 {
-    const auto at =
-        std::find_if(vob.navs.begin(), vob.navs.end(), [&](const Nav& nav) { return nav.sector == sector; });
+    const auto at = std::lower_bound(vob.navs.begin(), vob.navs.end(), sector,
+                                     [](const Nav& nav, uint64_t wanted) { return nav.sector < wanted; });
+    if (at == vob.navs.end() || at->sector != sector) return vob.navs.size();
     return uint64_t(at - vob.navs.begin());
 }
 
@@ -153,13 +154,15 @@ void checkSearch(const View& view, const Vob& vob, uint64_t i, uint64_t k, bool 
     const uint64_t time = forward ? nav.start + jump : nav.start - jump;
     if ((word & NOWHERE) == NOWHERE) {
         if (word != 0x3FFFFFFF && word != 0x7FFFFFFF) view.fault("bits of an empty pointer, sector ", nav.sector);
-        // None of the later or earlier units of the cell may hold the time.
-        for (uint64_t j = 0; j + 1 < vob.navs.size(); j++) {
-            const bool there = forward ? j > i : j < i;
-            const bool known = sameCell(vob.navs[j], nav) && sameCell(vob.navs[j + 1], nav);
-            if (there && known && vob.navs[j].start <= time && time < vob.navs[j + 1].start) {
-                view.fault(way, " pointer ", k, " of sector ", nav.sector, " misses sector ", vob.navs[j].sector);
-            }
+        // None of the later or earlier units of the cell may hold the time. Units are in order of display.
+        // Where a unit's display ends, the next one of its VOB begins; that of the VOB's last one is not looked at.
+        for (uint64_t j = i + 1; forward && j + 1 < vob.navs.size() && sameCell(vob.navs[j], nav); j++) {
+            if (vob.navs[j].start > time || vob.navs[j + 1].vob != nav.vob) break;
+            if (time < vob.navs[j + 1].start) view.fault("pointer ", k, " misses on from sector ", nav.sector);
+        }
+        for (uint64_t j = i; !forward && j > 0 && sameCell(vob.navs[j - 1], nav); j--) {
+            if (vob.navs[j].start <= time) break;
+            if (vob.navs[j - 1].start <= time) view.fault("pointer ", k, " misses back from sector ", nav.sector);
         }
         return;
     }

@@ -51,7 +51,11 @@ Bytes readFile(const std::u16string& path)
 {
     std::ifstream in(fs::path(path), std::ios::binary);
     EXPECT_TRUE(in.good()) << toUtf8(path);
-    return Bytes(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    if (!in.good()) return {};
+    Bytes bytes(fs::file_size(fs::path(path)));
+    in.read(reinterpret_cast<char*>(bytes.data()), std::streamsize(bytes.size()));
+    EXPECT_EQ(bytes.size(), uint64_t(in.gcount())) << toUtf8(path);
+    return bytes;
 }
 
 bool fileExists(const std::u16string& path)
