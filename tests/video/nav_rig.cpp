@@ -1,0 +1,395 @@
+#include "tests/video/nav_rig.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <set>
+
+std::vector<VobuRecord> unitRecords(const std::vector<Unit>& units)
+{
+    std::vector<VobuRecord> records;
+    for (const Unit& unit : units) {
+        VobuRecord record = {};
+        record.sector = record.lastSector = unit.sector;
+        record.scr = unit.scr;
+        record.firstPts = unit.firstPts;
+        record.pictureCount = unit.pictureCount;
+        record.vobId = unit.vobId;
+        record.cellId = unit.cellId;
+        record.firstRefEnd = unit.firstRefEnd;
+        record.secondRefEnd = unit.secondRefEnd;
+        record.thirdRefEnd = unit.thirdRefEnd;
+        record.temporalRef = unit.temporalRef;
+        if (!records.empty()) records.back().lastSector = unit.sector - 1;
+        records.push_back(record);
+    }
+    return records;
+}
+
+std::vector<VobuRecord> evenUnits(uint64_t count, uint64_t firstPts, uint64_t frameTicks)
+{
+    std::vector<Unit> units;
+    for (uint64_t i = 0; i < count; i++) {
+        units.push_back({ .sector = i, .scr = i * 12 * frameTicks, .firstPts = firstPts + i * 12 * frameTicks });
+    }
+    return unitRecords(units);
+}
+
+Bytes NavRun::bytesAt(uint64_t sector, uint64_t at, uint64_t count) const
+{
+    const uint8_t* from = packAt(sector) + at;
+    return Bytes(from, from + count);
+}
+
+std::string NavRun::words(uint64_t sector, uint64_t at, uint64_t count) const
+{
+    std::string text;
+    for (uint64_t i = 0; i < count; i++) {
+        const Bytes word = bytesAt(sector, at + 4 * i, 4);
+        char digits[9];
+        std::snprintf(digits, sizeof digits, "%02X%02X%02X%02X", word[0], word[1], word[2], word[3]);
+        text += (i ? " " : "") + std::string(digits);
+    }
+    return text;
+}
+
+static uint64_t sectorsOf(const NavSpec& spec)
+{
+    if (spec.sectors) return spec.sectors;
+    return spec.vobus.empty() ? 0 : spec.vobus.back().sector + 1;
+}
+
+Bytes navStream(const NavSpec& spec)
+{
+    Bytes stream(sectorsOf(spec) * PACK_BYTES);
+    for (uint64_t at = 0; at < stream.size(); at++) stream[at] = uint8_t(0x11 + at / PACK_BYTES * 7 + at % 251);
+    for (const VobuRecord& record : spec.vobus) {
+        if ((record.sector + 1) * PACK_BYTES > stream.size()) continue;
+        Bytes pack = dirtyNavPack({ record.scr, 0 }, uint8_t(0x80 | record.sector));
+        pack[23] = 0xFE;   // audio bound 63, and two bits that are not its own
+        std::copy(pack.begin(), pack.end(), stream.begin() + std::ptrdiff_t(record.sector * PACK_BYTES));
+    }
+    return stream;
+}
+
+NavRun setupTitle(const NavSpec& spec)
+{
+    const TempDir folder;
+    const TestRun run(spec.standard);
+    Sources sources;
+    const Bytes before = navStream(spec);
+    writeSources(sources, folder, before, spec.cuts);
+    const List<VobuRecord> vobus(spec.vobus);
+    const List<StreamPackRecord> packs(spec.packs);
+    const uint64_t result = orvSetupMovieA(run.context.get(), spec.standard, spec.audioCount, sources.slots,
+                                           vobus.block, packs.block, nullptr, 0);
+    uint64_t from = 0;
+    for (uint64_t i = 0; i <= spec.cuts.size(); i++) {
+        const uint64_t to = i < spec.cuts.size() ? spec.cuts[i] : before.size();
+        EXPECT_EQ(readFile(sources.paths[i]).size(), to - from) << "file " << i;
+        from = to;
+    }
+    return { result, before, sources.read() };
+}
+
+NavRun setupMenu(const NavSpec& spec)
+{
+    const TempDir folder;
+    const TestRun run(spec.standard);
+    const std::u16string path = folder / u"VTS_01_0.VOB";
+    const Bytes before = navStream(spec);
+    writeFile(path, before);
+    const List<VobuRecord> vobus(spec.vobus);
+    const List<StreamPackRecord> packs(spec.packs);
+    const uint64_t result = orvSetupMenu(run.context.get(), spec.audioCount, spec.subPictureCount,
+                                         spec.menus.empty() ? nullptr : spec.menus.data(), spec.menus.size(),
+                                         spec.standard, path.c_str(), vobus.block, packs.block);
+    return { result, before, readFile(path) };
+}
+
+std::string strayChanges(const NavSpec& spec, const NavRun& run)
+{
+    if (run.before.size() != run.after.size()) return "the size changed";
+    std::set<uint64_t> navSectors;
+    for (const VobuRecord& record : spec.vobus) navSectors.insert(record.sector);
+    std::string text;
+    for (uint64_t at = 0; at < run.before.size(); at++) {
+        if (run.before[at] == run.after[at] || navSectors.count(at / PACK_BYTES)) continue;
+        text += std::to_string(at) + " ";
+        if (text.size() > 100) break;
+    }
+    return text;
+}
+
+// ---- the rules, word for word ------------------------------------------------------------------------------------
+
+namespace {
+
+constexpr uint64_t DISTANCES[19] = { 45000,  90000,  135000, 180000, 225000, 270000, 315000,  360000,  405000,  450000,
+                                     495000, 540000, 585000, 630000, 675000, 900000, 2700000, 5400000, 10800000 };
+
+void put(Bytes& pack, uint64_t at, uint64_t value, uint64_t width)
+{
+    for (uint64_t i = 0; i < width; i++) pack[at + i] = uint8_t(value >> (8 * (width - 1 - i)));
+}
+
+struct Rules {
+    const NavSpec& spec;
+    bool isMenu;
+    uint64_t index;
+    const std::vector<VobuRecord>& list;
+    const VobuRecord& record;
+    uint64_t ticks;
+
+    Rules(const NavSpec& s, bool menu, uint64_t i)
+        : spec(s), isMenu(menu), index(i), list(s.vobus), record(s.vobus[i]), ticks(s.standard == 1 ? 3600 : 3003)
+    {
+    }
+
+    uint64_t start(const VobuRecord& r) const
+    {
+        return r.firstPts - r.temporalRef * ticks;
+    }
+    uint64_t end(const VobuRecord& r) const
+    {
+        return r.firstPts + r.pictureCount * ticks;
+    }
+
+    uint64_t vobEnd() const
+    {
+        uint64_t found = 0;
+        for (const VobuRecord& r : list) {
+            if (r.vobId == record.vobId) found = end(r);
+        }
+        return found;
+    }
+
+    uint64_t movieEnd() const
+    {
+        return end(list.back());
+    }
+
+    bool sameCell(const VobuRecord& r) const
+    {
+        return r.vobId == record.vobId && r.cellId == record.cellId;
+    }
+
+    void putElapsed(Bytes& pack, uint64_t at) const
+    {
+        uint64_t frames = 0;
+        for (uint64_t i = index; i > 0; i--) {
+            if (list[i - 1].cellId != record.cellId) break;
+            if (isMenu && list[i - 1].vobId != record.vobId) break;
+            frames += list[i - 1].pictureCount;
+        }
+        if (spec.standard != 1 && spec.standard != 2) return;   // no rate, no time
+        const uint64_t rate = spec.standard == 1 ? 25 : 30;
+        const auto bcd = [](uint64_t n) { return n / 10 * 16 + n % 10; };
+        const uint64_t seconds = frames / rate;
+        put(pack, at, bcd(seconds / 3600), 1);
+        put(pack, at + 1, bcd(seconds / 60 % 60), 1);
+        put(pack, at + 2, bcd(seconds % 60), 1);
+        put(pack, at + 3, bcd(frames % rate) | (rate == 25 ? 0x40u : 0xC0u), 1);
+    }
+
+    void putPci(Bytes& pack) const
+    {
+        put(pack, 38, 0x000001BF, 4);
+        put(pack, 42, 0x03D4, 2);
+        put(pack, 45, record.sector, 4);
+        put(pack, 57, start(record), 4);
+        put(pack, 61, start(record) + (record.pictureCount < 10 ? 12 * ticks : record.pictureCount * ticks), 4);
+        const bool last = index + 1 == list.size();
+        if (!isMenu && last) put(pack, 65, movieEnd(), 4);
+        if (isMenu && (last || list[index + 1].vobId != record.vobId)) put(pack, 65, vobEnd(), 4);
+        putElapsed(pack, 69);
+    }
+
+    void putDsi(Bytes& pack) const
+    {
+        put(pack, 1024, 0x000001BF, 4);
+        put(pack, 1028, 0x03FA, 2);
+        put(pack, 1030, 1, 1);
+        put(pack, 1031, record.scr, 4);
+        put(pack, 1035, record.sector, 4);
+        const uint64_t next = index + 1 < list.size() ? list[index + 1].sector : sectorsOf(spec);
+        const uint64_t size = next - record.sector - 1;
+        put(pack, 1039, size, 4);
+        put(pack, 1043, isMenu && record.firstRefEnd == 0 ? size : record.firstRefEnd, 4);
+        put(pack, 1047, record.secondRefEnd, 4);
+        put(pack, 1051, record.thirdRefEnd, 4);
+        put(pack, 1055, record.vobId, 2);
+        put(pack, 1058, record.cellId, 1);
+        putElapsed(pack, 1059);
+        const uint64_t first = list[0].firstPts;
+        put(pack, 1075, first, 4);
+        const uint64_t frames = (vobEnd() - first) / ticks;
+        put(pack, 1079, isMenu ? first + (frames < 10 ? 12 : frames) * ticks : movieEnd(), 4);
+    }
+
+    uint64_t lastSectorValue() const
+    {
+        const uint64_t cellId = isMenu ? list[0].cellId : record.cellId;
+        uint64_t sector = 0;
+        for (const VobuRecord& r : list) {
+            if (r.cellId > cellId) break;
+            if (r.cellId == cellId) sector = r.sector;
+        }
+        return sector;
+    }
+
+    uint64_t firstSectorValue() const
+    {
+        if (isMenu || record.cellId == list[0].cellId) return 0;
+        for (const VobuRecord& r : list) {
+            if (r.cellId == record.cellId) return r.sector;
+        }
+        return 0;
+    }
+
+    bool holds(const VobuRecord& r, uint64_t target) const
+    {
+        return sameCell(r) && start(r) <= target && target < start(r) + r.pictureCount * ticks;
+    }
+
+    void putSearch(Bytes& pack) const
+    {
+        const auto link = [](uint64_t delta) { return (delta & 0x3FFFFFFF) | 0x80000000; };
+        const bool next = index + 1 < list.size() && sameCell(list[index + 1]);
+        const bool previous = index > 0 && sameCell(list[index - 1]);
+        put(pack, 1265, next ? link(list[index + 1].sector - record.sector) : 0xBFFFFFFF, 4);
+        put(pack, 1345, next ? link(list[index + 1].sector - record.sector) : 0x3FFFFFFF, 4);
+        put(pack, 1349, previous ? link(record.sector - list[index - 1].sector) : 0x3FFFFFFF, 4);
+        put(pack, 1429, previous ? link(record.sector - list[index - 1].sector) : 0xBFFFFFFF, 4);
+        uint64_t forward[20], backward[20];
+        for (uint64_t k = 0; k < 20; k++) forward[k] = backward[k] = 0x3FFFFFFF;
+        const uint64_t lastSector = lastSectorValue(), firstSector = firstSectorValue();
+        for (uint64_t k = 0; k < 19; k++) {
+            const uint64_t flags = k < 15 ? 0x80000000 : 0xC0000000;
+            for (uint64_t j = list.size() - 1; j > index; j--) {
+                if (!holds(list[j], start(record) + DISTANCES[k])) continue;
+                const uint64_t delta = list[j].sector - record.sector;
+                forward[k] = (delta & 0x3FFFFFFF) | flags;
+                if (k >= 14 && k <= 17 && lastSector - record.sector != delta) forward[k + 1] = 0x7FFFFFFF;
+            }
+            for (uint64_t j = 0; j < index; j++) {
+                if (!holds(list[j], start(record) - DISTANCES[k])) continue;
+                const uint64_t delta = record.sector - list[j].sector;
+                backward[k] = (delta & 0x3FFFFFFF) | flags;
+                if (k >= 14 && k <= 17 && record.sector - delta != firstSector) backward[k + 1] = 0x7FFFFFFF;
+            }
+        }
+        for (uint64_t k = 0; k < 19; k++) {
+            put(pack, 1269 + 4 * (18 - k), forward[k], 4);
+            put(pack, 1353 + 4 * k, backward[k], 4);
+        }
+    }
+
+    uint64_t audioEntry(uint64_t stream) const
+    {
+        const uint64_t t = start(record);
+        for (uint64_t i = 0; i + 1 < spec.packs.size(); i++) {
+            const StreamPackRecord& p = spec.packs[i];
+            if (p.vobId != record.vobId || p.streamIndex != stream || p.kind < 8 || p.kind > 12) continue;
+            if (p.pts > t || t >= spec.packs[i + 1].pts) continue;
+            const int64_t d = int64_t(p.sector - record.sector);
+            if (d >= 32768) return 0x7FFF;
+            if (d < -32767) return 0xFFFF;
+            return d >= 0 ? uint64_t(d) : 0x8000 | (uint64_t(-d) & 0x7FFF);
+        }
+        return 0;
+    }
+
+    uint64_t subPictureEntry(uint64_t stream) const
+    {
+        int64_t d = 0;
+        for (const StreamPackRecord& p : spec.packs) {
+            if (p.vobId == record.vobId && p.streamIndex == stream && p.kind == 20) {
+                d = int64_t(p.vobuSector - record.sector);
+            }
+            if (p.vobuSector > record.sector) break;
+        }
+        return d < 0 ? (uint64_t(-d) & 0x7FFFFFFF) | 0x80000000 : 0x7FFFFFFF;
+    }
+
+    void putSync(Bytes& pack) const
+    {
+        for (uint64_t a = 0; a < spec.audioCount; a++) put(pack, 1433 + 2 * a, audioEntry(a), 2);
+        const uint64_t subPictures = isMenu ? spec.subPictureCount : 0;
+        for (uint64_t s = 0; s < subPictures; s++) put(pack, 1449 + 4 * s, subPictureEntry(s), 4);
+    }
+
+    void putButton(Bytes& pack, uint64_t entry, const ButtonDesc& b, uint64_t yStart, uint64_t yEnd) const
+    {
+        const uint64_t at = 187 + 18 * entry;
+        put(pack, at, (b.color & 3) << 6 | (b.xStart >> 4 & 0x3F), 1);
+        put(pack, at + 1, (b.xStart & 15) << 4 | (b.xEnd >> 8 & 3), 1);
+        put(pack, at + 2, b.xEnd, 1);
+        put(pack, at + 3, (b.autoAction & 3) << 6 | (yStart >> 4 & 0x3F), 1);
+        put(pack, at + 4, (yStart & 15) << 4 | (yEnd >> 8 & 3), 1);
+        put(pack, at + 5, yEnd, 1);
+        put(pack, at + 6, b.upLink, 1);
+        put(pack, at + 7, b.downLink, 1);
+        put(pack, at + 8, b.leftLink, 1);
+        put(pack, at + 9, b.rightLink, 1);
+        if (b.command == 10) {   // the one command of the random menus; the others are no commands
+            put(pack, at + 10, 0x2004, 2);
+            put(pack, at + 17, b.param1, 1);
+        }
+    }
+
+    void putHighlight(Bytes& pack) const
+    {
+        const bool loops = !spec.menus.empty() && spec.menus[0].loopMode == 2;
+        if (loops) {
+            const uint64_t from = spec.menus[0].loopValue;
+            if (record.scr < from) return;
+            uint64_t first = 0;
+            while (list[first].scr < from) first++;
+            put(pack, 141, first == index ? 1 : 2, 2);
+            put(pack, 143, start(list[first]), 4);
+        } else {
+            put(pack, 141, index == 0 || list[index - 1].vobId != record.vobId ? 1 : 2, 2);
+            put(pack, 143, list[0].firstPts, 4);
+        }
+        put(pack, 147, 0xFFFFFFFF, 4);
+        put(pack, 151, 0xFFFFFFFF, 4);
+        const bool named = record.vobId >= 1 && record.vobId <= spec.menus.size();
+        const MenuDesc menu = named ? spec.menus[record.vobId - 1] : MenuDesc{};
+        put(pack, 155, menu.hasLetterbox ? 0x2120 : 0x1000, 2);
+        put(pack, 158, menu.buttonCount, 1);
+        put(pack, 159, menu.buttonCount, 1);
+        for (uint64_t i = 0; i < 24; i++) pack[163 + i] = menu.colorSets[i / 8][i % 8];
+        for (uint64_t i = 0; i < menu.buttonCount; i++) {
+            const ButtonDesc& b = menu.buttons[i];
+            if (menu.hasLetterbox && i >= 18) break;
+            putButton(pack, i, b, b.yStart, b.yEnd);
+            const uint64_t down = spec.standard == 1 ? 72 : 60;
+            if (menu.hasLetterbox) putButton(pack, i + 18, b, (b.yStart * 3 >> 2) + down, (b.yEnd * 3 >> 2) + down);
+        }
+    }
+
+    Bytes pack(const Bytes& before) const
+    {
+        Bytes result(PACK_BYTES, 0);
+        std::copy(before.begin(), before.begin() + 38, result.begin());
+        result[23] = uint8_t((before[23] & 3) | spec.audioCount << 2);
+        putPci(result);
+        putDsi(result);
+        putSearch(result);
+        putSync(result);
+        if (isMenu) putHighlight(result);
+        return result;
+    }
+};
+
+}   // namespace
+
+Bytes referenceTitlePack(const NavSpec& spec, uint64_t index, const Bytes& before)
+{
+    return Rules(spec, false, index).pack(before);
+}
+
+Bytes referenceMenuPack(const NavSpec& spec, uint64_t index, const Bytes& before)
+{
+    return Rules(spec, true, index).pack(before);
+}
