@@ -120,7 +120,7 @@ uint64_t osResizeBlock(void** block, uint64_t size)
             memory = std::realloc(header, capacity);
         }
         if (!memory) {
-            closeRoom(header);
+            closeRoom(headerOf(*block));   // it is where it was
             return osMemoryError();
         }
         header = static_cast<BlockHeader*>(memory);
