@@ -4,19 +4,22 @@
 #include "author.h"
 #include "explain.h"
 #include "platform.h"
+#include "text.h"
 
 #include <CLI/CLI.hpp>
 #include <sstream>
 
 namespace fs = std::filesystem;
 
-static const char DESCRIPTION[] =
-    "orven writes the tables, menus and navigation data of a DVD-Video disc.\n\n"
-    "A project file, in INI form, describes the disc; finished movies, menu pictures and\n"
-    "bitmaps lie beside it. The result is a VIDEO_TS folder that players read.";
+static constexpr size_t TEXT_COLUMNS = 88;   // the help is as wide
 
-static const char FOOTER[] = R"(
-Examples:
+static const char DESCRIPTION[] = R"(orven writes the tables and the navigation data of a DVD-Video disc.
+
+A project file, in INI form, describes the disc; finished movies lie where the disc is
+to be. The result is a VIDEO_TS folder that players read.
+)";
+
+static const char FOOTER[] = R"(Examples:
   orven author project.ini --target disc/VIDEO_TS
       authors the disc that project.ini describes
   orven author project.ini --target new/VIDEO_TS --previous disc/VIDEO_TS
@@ -27,8 +30,8 @@ Examples:
 `orven COMMAND --help` tells more of a command.
 Exit codes: 0 done, 1 the run failed, 2 wrong usage, 130 interrupted by Ctrl-C.)";
 
-static const char AUTHOR_FOOTER[] = R"(
-The movies are not copied. They have to lie in the target folder already, as finished
+static const char AUTHOR_FOOTER[] =
+    R"(The movies are not copied. They have to lie in the target folder already, as finished
 program streams with the names VTS_01_1.VOB, VTS_02_1.VOB and so on, and the project
 names them as `source`. A run fills their navigation packs in place.
 
@@ -48,8 +51,7 @@ A small project:
 
 Chapters count ticks of 1/90000 second: chapter 2 begins after one minute.)";
 
-static const char EXPLAIN_FOOTER[] = R"(
-CODE is the number of a message, 1012, or a whole result as a program gets it,
+static const char EXPLAIN_FOOTER[] = R"(CODE is the number of a message, 1012, or a whole result as a program gets it,
 0x840003F4 or 2214593524. Numbers below 1000 are those of the operating system.)";
 
 static fs::path toPath(const std::string& utf8)
@@ -64,7 +66,7 @@ struct CommandLine {
 
 static CLI::App* addAuthor(CLI::App* app, CommandLine* line)
 {
-    CLI::App* author = app->add_subcommand("author", "Author a disc from a project file");
+    CLI::App* author = app->add_subcommand("author", "Author a disc from a project file")->group("Commands");
     author->add_option("PROJECT", line->project, "The project file")->required()->type_name("");
     author->add_option("-t,--target", line->target, "The disc's VIDEO_TS folder; made where it is missing")
         ->required()
@@ -80,7 +82,7 @@ static CLI::App* addAuthor(CLI::App* app, CommandLine* line)
 
 static CLI::App* addExplain(CLI::App* app, CommandLine* line)
 {
-    CLI::App* explain = app->add_subcommand("explain", "Tell what a result code means");
+    CLI::App* explain = app->add_subcommand("explain", "Tell what a result code means")->group("Commands");
     explain->add_option("CODE", line->code, "The code")->required()->type_name("");
     explain->footer(EXPLAIN_FOOTER);
     return explain;
@@ -94,7 +96,8 @@ static int runExplain(const std::string& text)
         return EXIT_USAGE;
     }
     const std::string more = explanation(code);
-    platformPrint(resultLine(code, platformResultText(code)) + "\n" + (more.empty() ? "" : "\n" + more + "\n"));
+    platformPrint(resultLine(code, platformResultText(code)) + "\n" +
+                  (more.empty() ? "" : "\n" + wrapped(more, TEXT_COLUMNS) + "\n"));
     return EXIT_DONE;
 }
 
@@ -112,6 +115,7 @@ int runCommandLine(const std::vector<std::string>& arguments)
     app.allow_windows_style_options(false);   // "/home/x" is a path
     app.set_version_flag("--version", "orven " ORVEN_VERSION, "Print the version");
     app.require_subcommand(1);
+    app.get_formatter()->label("SUBCOMMAND", "COMMAND");
     app.footer(FOOTER);
     const CLI::App* author = addAuthor(&app, &line);
     addExplain(&app, &line);

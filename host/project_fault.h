@@ -8,7 +8,7 @@
 #include <vector>
 
 struct ProjectFault {
-    const ProjectKey* key = nullptr;   // the line; null if a key is missing
+    const ProjectKey* key = nullptr;   // the line, within the project that was searched; null if a key is missing
     std::u16string section;
     std::u16string name;   // of the key
     std::string why;       // a sentence where the code alone does not tell it; else empty
@@ -25,9 +25,12 @@ struct RunOutcome {
  *  project that explains the code. Gives nothing unless it agrees with the code and with the log.
  *  @return whether *fault was filled */
 bool findProjectFault(const ProjectFile& file, const RunOutcome& outcome, ProjectFault* fault);
+bool findProjectFault(ProjectFile&&, const RunOutcome&, ProjectFault*) = delete;
 
 /** The reader's half of it: the first refused key. logText is the whole text that the library logs for it, or empty. */
 bool findRefusedKey(const ProjectFile& file, uint64_t* code, std::u16string* logText, ProjectFault* fault);
+bool findRefusedKey(ProjectFile&&, uint64_t*, std::u16string*, ProjectFault*) = delete;
 
 /** The other half: what is well written but can't be had, such as a file that is missing. */
 bool findUnfitFile(const ProjectFile& file, const RunOutcome& outcome, ProjectFault* fault);
+bool findUnfitFile(ProjectFile&&, const RunOutcome&, ProjectFault*) = delete;

@@ -25,7 +25,7 @@ static std::u16string decode(std::string_view bytes)
 
 static std::u16string_view trim(std::u16string_view text)
 {
-    const char16_t blanks[] = u" \t\r";
+    const char16_t blanks[] = u" \t";
     const size_t first = text.find_first_not_of(blanks);
     if (first == text.npos) return {};
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
@@ -40,6 +40,7 @@ static std::u16string_view unquote(std::u16string_view text)
 
 static void parseLine(ProjectFile* file, uint64_t number, std::u16string_view line)
 {
+    if (line.ends_with(u'\r')) line.remove_suffix(1);
     line = trim(line);
     if (line.empty() || line.front() == u';') return;
     if (line.front() == u'[') {

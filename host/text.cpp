@@ -104,6 +104,20 @@ bool sameName(std::u16string_view a, std::u16string_view b)
     return true;
 }
 
+std::string wrapped(const std::string& text, size_t columns)
+{
+    std::string lines = text;
+    size_t start = 0, blank = lines.npos;
+    for (size_t at = 0; at < lines.size(); at++) {
+        if (lines[at] == ' ') blank = at;
+        if (at - start < columns || blank == lines.npos) continue;
+        lines[blank] = '\n';
+        start = blank + 1;
+        blank = lines.npos;
+    }
+    return lines;
+}
+
 std::string hexCode(uint64_t code)
 {
     char text[24];

@@ -20,5 +20,8 @@ std::string printablePath(const std::filesystem::path& path);
 /** Compares without regard to the case of Latin letters. */
 bool sameName(std::u16string_view a, std::u16string_view b);
 
+/** Breaks a text at its blanks into lines of at most so many characters; a longer word keeps a line of its own. */
+std::string wrapped(const std::string& text, size_t columns);
+
 /** "0x840003F4". */
 std::string hexCode(uint64_t code);

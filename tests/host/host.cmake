@@ -2,10 +2,13 @@
 if(WIN32)
   set(process ${CMAKE_CURRENT_LIST_DIR}/win32/process.cpp)
 else()
-  set(process ${CMAKE_CURRENT_LIST_DIR}/posix/process.cpp
+  set(process ${CMAKE_CURRENT_LIST_DIR}/posix/process.cpp ${CMAKE_CURRENT_LIST_DIR}/posix/agreement_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/terminal_test.cpp)
 endif()
 target_sources(host_tests PRIVATE ${process})
 target_link_libraries(host_tests PRIVATE orven_host)
 target_compile_definitions(host_tests PRIVATE ORVEN_PROGRAM="$<TARGET_FILE:orven-cli>")
+if(NOT WIN32)
+  target_link_libraries(host_tests PRIVATE orven)
+endif()
 add_dependencies(host_tests orven-cli)

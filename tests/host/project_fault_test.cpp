@@ -166,7 +166,8 @@ TEST(ProjectFault, AcceptsWhatTheLibraryAccepts)
         uint64_t code = 0;
         std::u16string logText;
         ProjectFault fault;
-        EXPECT_FALSE(findRefusedKey(parseProject(projectText(lines)), &code, &logText, &fault));
+        const ProjectFile file = parseProject(projectText(lines));
+        EXPECT_FALSE(findRefusedKey(file, &code, &logText, &fault));
     }
 }
 
@@ -211,8 +212,9 @@ TEST(ProjectFault, NamesTheSectionOfAMissingKey)
     };
     for (const MissingCase& missing : cases) {
         SCOPED_TRACE(missing.text);
+        const ProjectFile file = parseProject(missing.text);
         ProjectFault fault;
-        ASSERT_TRUE(findProjectFault(parseProject(missing.text), outcomeOf(missing.code, u""), &fault));
+        ASSERT_TRUE(findProjectFault(file, outcomeOf(missing.code, u""), &fault));
         EXPECT_EQ(fault.key, nullptr);
         EXPECT_EQ(utf8Of(fault.section), utf8Of(missing.section));
         EXPECT_EQ(utf8Of(fault.name), utf8Of(missing.name));
@@ -296,14 +298,16 @@ TEST(ProjectFault, NamesMenusThatAreNotMade)
     const std::string head = "[COMMON]\nversion=1.0\n[VMG]\ntitlesets=1\nmenus=";
     const std::string menu = "background=a\nsubpicture=b\n";
     const std::string rest = "\n[VTS_1]\nsource=a\nmenus=1\n[VTS_1_MENU1]\n" + menu + "[VMG_MENU1]\n" + menu;
+    const std::string skip = "[VTS_1_MENU]\nskipmenu=1\n";
+    const RunOutcome outcome = outcomeOf(CODE_NOT_SUPPORTED, u"");
+    const ProjectFile both = parseProject(head + "1" + rest), manager = parseProject(head + "1" + rest + skip),
+                      none = parseProject(head + "0" + rest + skip);
     ProjectFault fault;
-    ASSERT_TRUE(findProjectFault(parseProject(head + "1" + rest), outcomeOf(CODE_NOT_SUPPORTED, u""), &fault));
+    ASSERT_TRUE(findProjectFault(both, outcome, &fault));
     EXPECT_EQ(fault.key->line, 8u);
-    ASSERT_TRUE(findProjectFault(parseProject(head + "1" + rest + "[VTS_1_MENU]\nskipmenu=1\n"),
-                                 outcomeOf(CODE_NOT_SUPPORTED, u""), &fault));
+    ASSERT_TRUE(findProjectFault(manager, outcome, &fault));
     EXPECT_EQ(fault.key->line, 5u);
-    EXPECT_FALSE(findProjectFault(parseProject(head + "0" + rest + "[VTS_1_MENU]\nskipmenu=1\n"),
-                                  outcomeOf(CODE_NOT_SUPPORTED, u""), &fault));
+    EXPECT_FALSE(findProjectFault(none, outcome, &fault));
 }
 
 TEST(ProjectFault, NamesASkippedTitleSetThatNobodyAuthored)

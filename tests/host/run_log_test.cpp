@@ -66,6 +66,15 @@ TEST(Text, ControlCharactersDoNotReachATerminal)
     EXPECT_EQ(printable(u"a\x1B[2Jb\x7F\u0085\u00E4"), "a?[2Jb??\xC3\xA4");
 }
 
+TEST(Text, LongTextsAreWrapped)
+{
+    EXPECT_EQ(wrapped("", 5), "");
+    EXPECT_EQ(wrapped("ab cd", 5), "ab cd");
+    EXPECT_EQ(wrapped("ab cd ef", 5), "ab cd\nef");
+    EXPECT_EQ(wrapped("ab cde f", 5), "ab\ncde f");
+    EXPECT_EQ(wrapped("abcdefgh ij", 5), "abcdefgh\nij");
+}
+
 TEST(Text, InvalidTextBecomesAMark)
 {
     const std::u16string mark = u"\uFFFD";

@@ -1,0 +1,83 @@
+// agreement_test.cpp: the host reads a refused project once more to find its line. Here it has to agree with the
+// library itself, over projects that chance has spoiled.
+#include "host/codes.h"
+#include "host/project_fault.h"
+#include "host/run_log.h"
+#include "host/text.h"
+#include "tests/support/files.h"
+
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <orven/orven.h>
+#include <random>
+
+namespace {
+
+// A sound project, but for its files. Every kind of key occurs.
+const char SOUND[] =
+    "[COMMON]\nversion=1.0\nmode=PAL\n[FIRSTPLAY]\ncmd=BTN_ACTION_JUMP_TT(1,0,0)\n"
+    "[VMG]\ntitlesets=2\nmenus=1\n[VMG_MENU]\nvideomode=4:3\ncolortable1=1,2,3\n"
+    "[VMG_MENU1]\nbackground=m.mpg\nsubpicture=m.bmp\ntype=animated\nmenutype=title\n"
+    "colorset1=1,2,3,4,5,6,7,8\nbuttons=1\nbutton1=1,2,3,4,0,0,0,0,1,BTN_ACTION_LINKPGCN(1,0,0),1\n"
+    "playtime=00:00:10.05\nblink=3,4\n"
+    "[VTS_1]\nresolution=720x576\nbitrate=cbr\nmpegtype=mpeg2\naudio=AC3\nchannel=2\nsamplerate=48\n"
+    "samplesize=16\nlanguage=en\nastreams=2\naudio2=PCM\nchannel2=6\nchapters=3\nchapter1=0\n"
+    "chapter2=900000,1,1\npostcmd=next\nmenus=1\nsource=a.vob\nsource3=b.vob\n"
+    "[VTS_1_MENU]\nvideomode=16:9\n[VTS_1_MENU1]\nbackground=n.mpg\nsubpicture=n.bmp\n"
+    "spuletterbox=l.bmp\nsubpicture32=s.bmp\nspuletterbox32=t.bmp\nbuttons=2\nbutton2=1,2,,,4,0,0,0,0,1,,(1,0,0)\n"
+    "[VTS_02]\nrestricted=yes\nsource=c.vob\nstreamscanfile=d.scan\n[VTS_2_MENU]\nskipmenu=1\n";
+
+// One to three changes: a byte replaced, put in or taken out, or a line taken out.
+std::string spoiled(std::mt19937& chance)
+{
+    static const char bytes[] = "0123456789,,.():;= \t\f\x01\"'xA[]\n\r\xC3";
+    std::string text = SOUND;
+    for (uint64_t changes = 1 + chance() % 3; changes > 0; changes--) {
+        const size_t at = chance() % text.size();
+        const char byte = bytes[chance() % (sizeof bytes - 1)];
+        const size_t line = text.rfind('\n', at) == text.npos ? 0 : text.rfind('\n', at) + 1;
+        switch (chance() % 4) {
+        case 0: text[at] = byte; break;
+        case 1: text.insert(at, 1, byte); break;
+        case 2: text.erase(at, 1 + chance() % 3); break;
+        default: text.erase(line, text.find('\n', line) - line); break;
+        }
+    }
+    return text;
+}
+
+bool isReadersCode(uint64_t code)
+{
+    return (code >= libraryCode(1000) && code < libraryCode(1100)) || code == CODE_TITLE_SETS || code == CODE_CHAPTERS;
+}
+
+TEST(Agreement, HostAndLibraryRefuseTheSameKey)
+{
+    const char* runs = std::getenv("ORVEN_AGREEMENT_RUNS");
+    const int count = runs ? std::atoi(runs) : 300;
+    const TempDir folder;
+    const std::u16string path = folder / u"p.ini", log = folder / u"run.log";
+    std::mt19937 chance(12);
+    int refusals = 0;
+    for (int run = 0; run < count; run++) {
+        const std::string text = spoiled(chance);
+        SCOPED_TRACE(text);
+        writeFile(path, std::string_view(text));
+        std::filesystem::remove(std::filesystem::path(log));
+        const uint64_t code = ParseDVDDescW(path.c_str(), folder.prefix().c_str(), nullptr, nullptr, 0, log.c_str());
+        const RunOutcome outcome = { code, readLog(std::filesystem::path(log), 0), folder.root, {} };
+        uint64_t refused = 0;
+        std::u16string logText;
+        ProjectFault fault;
+        const ProjectFile file = parseProject(text);
+        const bool found = findRefusedKey(file, &refused, &logText, &fault);
+        ASSERT_EQ(found, isReadersCode(code)) << hexCode(code) << " " << hexCode(refused);
+        if (!found) continue;
+        refusals++;
+        ASSERT_EQ(hexCode(refused), hexCode(code));
+        ASSERT_TRUE(findProjectFault(file, outcome, &fault)) << utf8Of(logText);   // the log agrees too
+    }
+    EXPECT_GT(refusals, count / 3);   // chance has spoiled enough
+}
+
+}   // namespace
