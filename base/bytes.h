@@ -1,7 +1,7 @@
 // bytes.h: big-endian fields of disc structures, and the rows by which they are named.
 //
-// A layout is a list of DiscField rows in disc order. Writers, readers and tests use the same rows, so that a width or an
-// offset is told once. Several rows of a repeated entry count from the entry's own start.
+// A layout is a list of DiscField rows in disc order. Writers, readers and tests use the same rows, so that a width or
+// an offset is told once. Several rows of a repeated entry count from the entry's own start.
 #pragma once
 
 #include <cstdint>

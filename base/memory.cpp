@@ -5,6 +5,7 @@
 #include "base/platform.h"
 #include "base/result.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
@@ -39,20 +40,24 @@ const BlockHeader* headerOf(const void* block)
 
 // Under the address sanitizer the room behind the data is closed, so that nobody reads or writes past a block's size.
 #ifdef __SANITIZE_ADDRESS__
-void openRoom(const BlockHeader* header)
+void openRoom(const BlockHeader* header, uint64_t from, uint64_t to)
 {
-    __asan_unpoison_memory_region(header, header->capacity);
+    __asan_unpoison_memory_region(reinterpret_cast<const uint8_t*>(header + 1) + from, to - from);
 }
 
-void closeRoom(const BlockHeader* header)
+void closeRoom(const BlockHeader* header, uint64_t from, uint64_t to)
 {
-    const uint64_t end = sizeof(BlockHeader) + header->usedSize;
-    __asan_poison_memory_region(reinterpret_cast<const uint8_t*>(header) + end, header->capacity - end);
+    __asan_poison_memory_region(reinterpret_cast<const uint8_t*>(header + 1) + from, to - from);
 }
 #else
-void openRoom(const BlockHeader*) {}
-void closeRoom(const BlockHeader*) {}
+void openRoom(const BlockHeader*, uint64_t, uint64_t) {}
+void closeRoom(const BlockHeader*, uint64_t, uint64_t) {}
 #endif
+
+uint64_t roomOf(const BlockHeader* header)
+{
+    return header->capacity - sizeof(BlockHeader);
+}
 
 bool fits(uint64_t capacity)
 {
@@ -66,6 +71,28 @@ uint64_t grownCapacity(uint64_t capacity, uint64_t size)
     if (needed < LARGE_BLOCK_BYTES || needed <= capacity) return needed;
     const uint64_t ample = osBlockCapacity(capacity + capacity / 2);
     return ample > needed && fits(ample) ? ample : needed;
+}
+
+// Gives a block the capacity for a size; its used size stays.
+uint64_t moveBlock(void** block, uint64_t size)
+{
+    const uint64_t old = headerOf(*block)->usedSize;
+    uint64_t capacity = grownCapacity(headerOf(*block)->capacity, size);
+    openRoom(headerOf(*block), old, roomOf(headerOf(*block)));
+    void* memory = std::realloc(headerOf(*block), capacity);
+    if (!memory) {
+        capacity = osBlockCapacity(size);
+        memory = std::realloc(headerOf(*block), capacity);
+    }
+    if (!memory) {
+        closeRoom(headerOf(*block), old, roomOf(headerOf(*block)));   // it is where it was
+        return osMemoryError();
+    }
+    auto* header = static_cast<BlockHeader*>(memory);
+    header->capacity = capacity;
+    closeRoom(header, std::min(old, size), roomOf(header));
+    *block = header + 1;
+    return 0;
 }
 
 }   // namespace
@@ -88,7 +115,7 @@ uint64_t osAllocBlock(uint64_t size, void** block)
     auto* header = static_cast<BlockHeader*>(memory);
     header->capacity = capacity;
     header->usedSize = size;
-    closeRoom(header);
+    closeRoom(header, size, roomOf(header));
     *block = header + 1;
     return 0;
 }
@@ -107,31 +134,22 @@ uint64_t osResizeBlock(void** block, uint64_t size)
 {
     if (!block) return OS_INVALID_ARGUMENT;
     if (!*block) return 0;
-    BlockHeader* header = headerOf(*block);
     const uint64_t needed = osBlockCapacity(size);
     if (!fits(needed)) return osMemoryError();
     // A block that shrinks keeps its room until half of it is idle, so that no list moves to and fro over one border.
-    if (needed > header->capacity || needed < header->capacity / 2) {
-        uint64_t capacity = grownCapacity(header->capacity, size);
-        openRoom(header);
-        void* memory = std::realloc(header, capacity);
-        if (!memory) {
-            capacity = needed;
-            memory = std::realloc(header, capacity);
-        }
-        if (!memory) {
-            closeRoom(headerOf(*block));   // it is where it was
-            return osMemoryError();
-        }
-        header = static_cast<BlockHeader*>(memory);
-        header->capacity = capacity;
-        *block = header + 1;
+    const uint64_t capacity = headerOf(*block)->capacity;
+    if (needed > capacity || needed < capacity / 2) {
+        if (uint64_t error = moveBlock(block, size)) return error;
     }
+    BlockHeader* header = headerOf(*block);
     const uint64_t old = header->usedSize;
     header->usedSize = size;
-    openRoom(header);
-    if (size > old) osZeroMem(static_cast<uint8_t*>(*block) + old, size - old);
-    closeRoom(header);
+    if (size > old) {
+        openRoom(header, old, size);
+        osZeroMem(static_cast<uint8_t*>(*block) + old, size - old);
+    } else {
+        closeRoom(header, size, std::min(old, roomOf(header)));
+    }
     return 0;
 }
 
@@ -155,7 +173,7 @@ uint64_t osFreeBlock(void** block)
 {
     if (!block) return OS_INVALID_ARGUMENT;
     if (*block) {
-        openRoom(headerOf(*block));
+        openRoom(headerOf(*block), headerOf(*block)->usedSize, roomOf(headerOf(*block)));
         std::free(headerOf(*block));
     }
     *block = nullptr;

@@ -3,8 +3,8 @@
 //
 // [name] opens a section, key=value lines follow. Names are compared without regard to case. Spaces and TABs around
 // names and values are dropped, then one pair of quotes (' or ") around the value; blanks inside the quotes stay. Lines
-// that begin with ; are skipped. Of several sections or keys of one name the first counts. Text behind ] and keys before
-// the first section are dropped. A file may be UTF-8, with or without a mark, or UTF-16LE with a mark.
+// that begin with ; are skipped. Of several sections or keys of one name the first counts. Text behind ] and keys
+// before the first section are dropped. A file may be UTF-8, with or without a mark, or UTF-16LE with a mark.
 #pragma once
 
 #include <cstdint>

@@ -11,9 +11,9 @@ inline constexpr uint64_t ORV_LIBRARY = 0x84000000;   // the library's codes: th
 #undef ORV_MESSAGE
 
 // Codes of the library that have no text.
-inline constexpr uint64_t ORV_INVALID_ARGUMENT = ORV_LIBRARY + 87;         // a required pointer was null
+inline constexpr uint64_t ORV_INVALID_ARGUMENT = ORV_LIBRARY + 87;           // a required pointer was null
 inline constexpr uint64_t ORV_TOO_MANY_AUDIO_STREAMS = ORV_LIBRARY + 1035;   // `astreams` above 8
-inline constexpr uint64_t ORV_TITLE_SET_SKIPPED = ORV_LIBRARY + 1099;      // `skipvts`; never leaves the library
+inline constexpr uint64_t ORV_TITLE_SET_SKIPPED = ORV_LIBRARY + 1099;        // `skipvts`; never leaves the library
 
 // A source or a menu VOB could not be written or read: the codes of "write failed" and "read failed".
 inline constexpr uint64_t ORV_MOVIE_NOT_WRITTEN = ORV_WRITE_FAILED;
@@ -24,5 +24,6 @@ inline constexpr uint64_t ORV_NOTHING_SCANNED = 0xFFFFFFFFFFFFFFFD;
 
 // Codes of the base layer; they have no text.
 inline constexpr uint64_t OS_INVALID_ARGUMENT = 0x88010001;
-inline constexpr uint64_t OS_OUT_OF_MEMORY = 0x88010002;   // for a string; a memory block fails with the platform's number
+inline constexpr uint64_t OS_OUT_OF_MEMORY =
+    0x88010002;   // for a string; a memory block fails with the platform's number
 inline constexpr uint64_t OS_SHORT_READ = 0x88010102;

@@ -7,7 +7,7 @@
 inline constexpr uint64_t OS_FORMAT_LIMIT = 1024;   // characters that the formatter keeps; longer text is cut there
 
 /** Copies a zero-terminated text into a new string object. A null out is OS_INVALID_ARGUMENT; a null source leaves
-    *out null and is a success; no memory is OS_OUT_OF_MEMORY. */
+ *out null and is a success; no memory is OS_OUT_OF_MEMORY. */
 [[nodiscard]] uint64_t osStrDup(const char16_t* source, char16_t** out);
 /** A new string object of length characters and a terminator, filled from source (which holds at least that many), or
     undefined when source is null. */
@@ -66,8 +66,7 @@ inline OsFormatArg osArg(int number)
     @return characters written without the terminator */
 uint64_t osFormatArgs(char16_t* buffer, uint64_t size, const char16_t* format, const OsFormatArg* args, uint64_t count);
 
-template <class... Args>
-uint64_t osFormat(char16_t* buffer, uint64_t size, const char16_t* format, const Args&... args)
+template <class... Args> uint64_t osFormat(char16_t* buffer, uint64_t size, const char16_t* format, const Args&... args)
 {
     const OsFormatArg list[sizeof...(args) + 1] = { osArg(args)... };
     return osFormatArgs(buffer, size, format, list, sizeof...(args));
