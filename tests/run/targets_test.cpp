@@ -56,6 +56,22 @@ TEST(Target, AFileInPlaceOfTheFolder)
     EXPECT_EQ(fromHex("01"), readFile(run.folder / u"file"));
 }
 
+TEST(Target, NameBeyondAscii)
+{
+    DiscRun run;
+    run.put("VTS_01_1.VOB", fourUnits().bytes);
+    const std::string project = plainProject(run, 1);
+    const std::u16string folder = run.folder / u"\u00DCbersicht \u0434\u0438\u0441\u043A";
+    fs::create_directory(fs::path(folder));
+    run.target = (fs::path(folder) / "").u16string();
+    run.log = run.folder / u"Protokoll \u00FC.log";
+    ASSERT_EQ(0u, run.author(project));
+    for (const std::string& name : WRITTEN) EXPECT_TRUE(run.has(name)) << name;
+    fs::remove(fs::path(run.inTarget("VTS_01_0.IFO")));
+    EXPECT_EQ(0x84000FB4u, run.author(project + "source1=missing\n"));
+    EXPECT_TRUE(fileExists(run.log));
+}
+
 // The path is put before the names as it stands.
 TEST(Target, WithoutTrailingSeparator)
 {
