@@ -15,7 +15,7 @@ struct CountCase {
 uint64_t countOf(const std::vector<uint64_t>& sizes)
 {
     const TempDir folder;
-    const TestRun run(1);
+    const RunRoot run(1);
     Sources sources;
     for (uint64_t i = 0; i < sizes.size(); i++) {
         sources.add(folder / toWide("part" + std::to_string(i)));
@@ -35,7 +35,7 @@ Movie smallMovie()
 // A scan that fails, and the log that it leaves.
 struct Failure {
     TempDir folder;
-    TestRun run{ 1, folder / u"run.log" };
+    RunRoot run{ 1, folder / u"run.log" };
     Sources sources;
     ProgressLog progress;
     List<VobuRecord> list;
@@ -71,7 +71,7 @@ TEST(CountFilePacks, SumThenDivision)
 TEST(CountFilePacks, EmptySlotsArePassedOver)
 {
     const TempDir folder;
-    const TestRun run(1);
+    const RunRoot run(1);
     std::u16string path = folder / u"a.vob";
     writeFile(path, Bytes(4096, 1));
     for (const std::vector<uint64_t>& filled : { std::vector<uint64_t>{ 31 }, { 0, 2 }, { 5, 17, 31 } }) {
@@ -86,7 +86,7 @@ TEST(CountFilePacks, EmptySlotsArePassedOver)
 TEST(CountFilePacks, NullCountDoesNothing)
 {
     const TempDir folder;
-    const TestRun run(1, folder / u"run.log");
+    const RunRoot run(1, folder / u"run.log");
     Sources sources;
     sources.add(folder / u"missing.vob");
     EXPECT_EQ(orvCountFilePacks(run.context.get(), sources.slots, nullptr), 0u);
@@ -96,7 +96,7 @@ TEST(CountFilePacks, NullCountDoesNothing)
 TEST(CountFilePacks, MissingFile)
 {
     const TempDir folder;
-    const TestRun run(1, folder / u"run.log");
+    const RunRoot run(1, folder / u"run.log");
     Sources sources;
     sources.add(folder / u"there.vob");
     sources.add(folder / u"missing.vob");
@@ -112,7 +112,7 @@ TEST(CountFilePacks, MissingFile)
 TEST(MovieScanFiles, PackSplitOverTwoFiles)
 {
     const Movie movie = smallMovie();
-    for (uint64_t cut = 1; cut < movie.bytes.size(); cut += cut % 2048 < 60 ? 1 : 331) {
+    for (uint64_t cut = 1; cut < movie.bytes.size(); cut += cut % 2048 < 60 ? 1u : 331u) {
         SCOPED_TRACE(cut);
         const Scan scan = scanBytes(movie.bytes, { .cuts = { cut } });
         EXPECT_EQ(scan.result, 0u);
@@ -181,7 +181,7 @@ TEST(MovieScanFiles, NothingToScan)
 TEST(MovieScanFiles, ListEndsAtTheFirstEmptySlot)
 {
     const TempDir folder;
-    const TestRun run(1);
+    const RunRoot run(1);
     const Movie movie = smallMovie();
     Sources sources;
     writeSources(sources, folder, movie.bytes + movie.bytes, { movie.bytes.size() });
@@ -289,7 +289,7 @@ TEST(MovieScanFiles, UnreadableNextFile)
 TEST(MovieScanFiles, NoLogNoEntry)
 {
     const TempDir folder;
-    const TestRun run(1);
+    const RunRoot run(1);
     Sources sources;
     sources.add(folder / u"missing.vob");
     EXPECT_EQ(scanSources(run, sources).result, ORV_MOVIE_NOT_READ);

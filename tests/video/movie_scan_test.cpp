@@ -342,7 +342,7 @@ struct ProgressScan {
 ProgressScan scanWithProgress(const Bytes& stream, uint64_t cancelAt, bool noProgress)
 {
     const TempDir folder;
-    const TestRun run(STANDARD_PAL, folder / u"run.log");
+    const RunRoot run(STANDARD_PAL, folder / u"run.log");
     Sources sources;
     writeSources(sources, folder, stream);
     List<VobuRecord> list;

@@ -576,7 +576,7 @@ namespace {
 
 struct MenuFile {
     TempDir folder;
-    TestRun run{ 1, folder / u"run.log" };
+    RunRoot run{ 1, folder / u"run.log" };
     std::u16string path = folder / u"VIDEO_TS.VOB";
 
     uint64_t fill(const NavSpec& spec)

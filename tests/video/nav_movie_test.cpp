@@ -313,7 +313,7 @@ TEST(NavMovie, EmptyListsChangeNothing)
 
     // No list of stream packs at all: no sync.
     const TempDir folder;
-    const TestRun root(1);
+    const RunRoot root(1);
     spec.vobus = evenUnits(4, 0);
     Sources sources;
     writeSources(sources, folder, navStream(spec));
@@ -394,7 +394,7 @@ TEST(NavMovie, ListEndsBeforeTheStream)
     for (const uint64_t size : { 7 * 2048 + 1000u, 7 * 2048u, 5 * 2048 + 3u }) {
         SCOPED_TRACE(size);
         const TempDir folder;
-        const TestRun root(1, folder / u"run.log");
+        const RunRoot root(1, folder / u"run.log");
         Sources sources;
         Bytes stream = whole.before;
         stream.resize(size);
@@ -426,7 +426,7 @@ namespace {
 struct Filling {
     NavSpec spec;
     TempDir folder;
-    TestRun run{ 1, folder / u"run.log" };
+    RunRoot run{ 1, folder / u"run.log" };
     Sources sources;
     ProgressLog progress;
 

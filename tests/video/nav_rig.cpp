@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <set>
 
 std::vector<VobuRecord> unitRecords(const std::vector<Unit>& units)
@@ -61,7 +62,9 @@ static uint64_t sectorsOf(const NavSpec& spec)
 Bytes navStream(const NavSpec& spec)
 {
     Bytes stream(sectorsOf(spec) * PACK_BYTES);
-    for (uint64_t at = 0; at < stream.size(); at++) stream[at] = uint8_t(0x11 + at / PACK_BYTES * 7 + at % 251);
+    for (uint64_t at = 0; at < stream.size(); at += PACK_BYTES) {
+        std::memset(&stream[at], int(0x11 + at / PACK_BYTES * 7 % 200), PACK_BYTES);
+    }
     for (const VobuRecord& record : spec.vobus) {
         if ((record.sector + 1) * PACK_BYTES > stream.size()) continue;
         Bytes pack = dirtyNavPack({ record.scr, 0 }, uint8_t(0x80 | record.sector));
@@ -74,7 +77,7 @@ Bytes navStream(const NavSpec& spec)
 NavRun setupTitle(const NavSpec& spec)
 {
     const TempDir folder;
-    const TestRun run(spec.standard);
+    const RunRoot run(spec.standard);
     Sources sources;
     const Bytes before = navStream(spec);
     writeSources(sources, folder, before, spec.cuts);
@@ -94,7 +97,7 @@ NavRun setupTitle(const NavSpec& spec)
 NavRun setupMenu(const NavSpec& spec)
 {
     const TempDir folder;
-    const TestRun run(spec.standard);
+    const RunRoot run(spec.standard);
     const std::u16string path = folder / u"VTS_01_0.VOB";
     const Bytes before = navStream(spec);
     writeFile(path, before);
@@ -112,10 +115,12 @@ std::string strayChanges(const NavSpec& spec, const NavRun& run)
     std::set<uint64_t> navSectors;
     for (const VobuRecord& record : spec.vobus) navSectors.insert(record.sector);
     std::string text;
-    for (uint64_t at = 0; at < run.before.size(); at++) {
-        if (run.before[at] == run.after[at] || navSectors.count(at / PACK_BYTES)) continue;
-        text += std::to_string(at) + " ";
-        if (text.size() > 100) break;
+    for (uint64_t at = 0; at < run.before.size() && text.size() < 100; at += PACK_BYTES) {
+        const uint64_t end = std::min<uint64_t>(at + PACK_BYTES, run.before.size());
+        if (navSectors.count(at / PACK_BYTES) || std::memcmp(&run.before[at], &run.after[at], end - at) == 0) continue;
+        for (uint64_t byte = at; byte < end; byte++) {
+            if (run.before[byte] != run.after[byte]) text += std::to_string(byte) + " ";
+        }
     }
     return text;
 }
@@ -246,9 +251,19 @@ struct Rules {
         return 0;
     }
 
-    bool holds(const VobuRecord& r, uint64_t target) const
+    // Display spans of the list; those of another cell or VOB are empty. (Made once for the 38 walks: this file is also
+    // run without optimisation.)
+    struct Span {
+        uint64_t start, end;
+    };
+    std::vector<Span> spans() const
     {
-        return sameCell(r) && start(r) <= target && target < start(r) + r.pictureCount * ticks;
+        std::vector<Span> all;
+        all.reserve(list.size());
+        for (const VobuRecord& r : list) {
+            all.push_back(sameCell(r) ? Span{ start(r), start(r) + r.pictureCount * ticks } : Span{ 0, 0 });
+        }
+        return all;
     }
 
     void putSearch(Bytes& pack) const
@@ -263,16 +278,19 @@ struct Rules {
         uint64_t forward[20], backward[20];
         for (uint64_t k = 0; k < 20; k++) forward[k] = backward[k] = 0x3FFFFFFF;
         const uint64_t lastSector = lastSectorValue(), firstSector = firstSectorValue();
+        const std::vector<Span> all = spans();
+        const Span* const span = all.data();
         for (uint64_t k = 0; k < 19; k++) {
             const uint64_t flags = k < 15 ? 0x80000000 : 0xC0000000;
+            const uint64_t ahead = start(record) + DISTANCES[k], behind = start(record) - DISTANCES[k];
             for (uint64_t j = list.size() - 1; j > index; j--) {
-                if (!holds(list[j], start(record) + DISTANCES[k])) continue;
+                if (!(span[j].start <= ahead && ahead < span[j].end)) continue;
                 const uint64_t delta = list[j].sector - record.sector;
                 forward[k] = (delta & 0x3FFFFFFF) | flags;
                 if (k >= 14 && k <= 17 && lastSector - record.sector != delta) forward[k + 1] = 0x7FFFFFFF;
             }
             for (uint64_t j = 0; j < index; j++) {
-                if (!holds(list[j], start(record) - DISTANCES[k])) continue;
+                if (!(span[j].start <= behind && behind < span[j].end)) continue;
                 const uint64_t delta = record.sector - list[j].sector;
                 backward[k] = (delta & 0x3FFFFFFF) | flags;
                 if (k >= 14 && k <= 17 && record.sector - delta != firstSector) backward[k + 1] = 0x7FFFFFFF;

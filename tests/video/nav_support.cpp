@@ -2,9 +2,10 @@
 
 #include "base/time_code.h"
 
+#include <cstring>
 #include <filesystem>
 
-TestRun::TestRun(int64_t standard, const std::u16string& log) : logPath(log), context(std::make_unique<DiscContext>())
+RunRoot::RunRoot(int64_t standard, const std::u16string& log) : logPath(log), context(std::make_unique<DiscContext>())
 {
     context->head.videoStandard = standard;
     context->head.frameTicks = orvFrameTicks(standard);
@@ -40,7 +41,7 @@ uint64_t recordProgress(const DiscContext* context, uint64_t total, uint64_t don
     return log.calls.size() == log.cancelAt ? 0 : 1;
 }
 
-Scan scanSources(const TestRun& run, const Sources& sources, const ScanSpec& spec)
+Scan scanSources(const RunRoot& run, const Sources& sources, const ScanSpec& spec)
 {
     List<VobuRecord> vobus;
     List<StreamPackRecord> packs;
@@ -52,7 +53,7 @@ Scan scanSources(const TestRun& run, const Sources& sources, const ScanSpec& spe
 Scan scanBytes(const Bytes& bytes, const ScanSpec& spec)
 {
     const TempDir folder;
-    const TestRun run(spec.standard);
+    const RunRoot run(spec.standard);
     Sources sources;
     writeSources(sources, folder, bytes, spec.cuts);
     return scanSources(run, sources, spec);
@@ -72,6 +73,7 @@ Bytes packOf(const Bytes& before, const std::vector<PackBytes>& named)
 std::string differences(const uint8_t* actual, const Bytes& expected)
 {
     std::string text;
+    if (std::memcmp(actual, expected.data(), expected.size()) == 0) return text;
     for (uint64_t at = 0; at < expected.size();) {
         if (actual[at] == expected[at]) {
             at++;

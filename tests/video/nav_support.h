@@ -43,8 +43,8 @@ template <class T> struct List {
 };
 
 // Root of a run, and its log.
-struct TestRun {
-    explicit TestRun(int64_t standard, const std::u16string& log = {});
+struct RunRoot {
+    explicit RunRoot(int64_t standard, const std::u16string& log = {});
 
     std::u16string logPath;
     std::unique_ptr<DiscContext> context;
@@ -95,7 +95,7 @@ struct ScanSpec {
 /** Writes the stream into files and scans them without progress. */
 Scan scanBytes(const Bytes& bytes, const ScanSpec& spec = {});
 /** Scans what lies there. */
-Scan scanSources(const TestRun& run, const Sources& sources, const ScanSpec& spec = {});
+Scan scanSources(const RunRoot& run, const Sources& sources, const ScanSpec& spec = {});
 
 // Bytes at an offset of a pack, as hex text.
 struct PackBytes {
