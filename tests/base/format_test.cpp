@@ -47,6 +47,7 @@ TEST(Format, Numbers)
     EXPECT_EQ(formatted(u"<%5d>", -42), u"<  -42>");
     EXPECT_EQ(formatted(u"<%-5d>", -42), u"<-42  >");
     EXPECT_EQ(formatted(u"<%05d>", -42), u"<-0042>");
+    EXPECT_EQ(formatted(u"<%-05d>", 42), u"<42   >");   // no zeros on the right
     EXPECT_EQ(formatted(u"<%.4d>", -42), u"<-0042>");
     EXPECT_EQ(formatted(u"<%6.4d>", 42), u"<  0042>");
     EXPECT_EQ(formatted(u"<%-6.4d>", 42), u"<0042  >");

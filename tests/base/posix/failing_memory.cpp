@@ -10,6 +10,7 @@
 static uint64_t allocationsUntilFailure = 0;   // 0: none fails
 static bool laterOnesFailToo = false;
 static uint64_t failedAllocations = 0;
+static uint64_t reallocationCount = 0;
 
 static bool failsNow()
 {
@@ -43,6 +44,7 @@ void* __wrap_calloc(size_t count, size_t size)
 
 void* __wrap_realloc(void* memory, size_t size)
 {
+    reallocationCount++;
     return failsNow() ? nullptr : __real_realloc(memory, size);
 }
 }
@@ -62,6 +64,11 @@ void operator delete(void* memory) noexcept
 void operator delete(void* memory, size_t) noexcept
 {
     std::free(memory);
+}
+
+uint64_t reallocations()
+{
+    return reallocationCount;
 }
 
 uint64_t failEveryAllocation(const MemoryStep& step, uint64_t code)

@@ -104,6 +104,18 @@ TEST(FilesPosix, NoFileTakesTheHostsStandardDescriptors)
     EXPECT_EQ(zeroIsClosed, uint64_t(EBADF));
 }
 
+TEST(FilesPosix, FilesAreNotHandedOnToOtherPrograms)
+{
+    const TempDir dir;
+    for (const uint64_t mode : { OS_CREATE, OS_READ, OS_EXTEND, OS_APPEND, OS_FIX, OS_CREATE_READ, OS_TEMPORARY }) {
+        OSFILE file = 0;
+        ASSERT_EQ(osOpenFile((dir / u"file").c_str(), mode, &file), 0u);
+        EXPECT_GE(file, 3u);
+        EXPECT_EQ(fcntl(int(file), F_GETFD), FD_CLOEXEC) << mode;
+        EXPECT_EQ(osCloseFile(&file), 0u);
+    }
+}
+
 TEST(FilesPosix, ZeroIsNotTheStandardInput)
 {
     char byte = 0;

@@ -43,6 +43,22 @@ TEST(NoMemory, BlocksThatCannotGrowStayAsTheyWere)
     (void)osFreeMem(&block);
 }
 
+TEST(Memory, LongListsAskSeldomForMore)
+{
+    const uint8_t record[48] = {};
+    uint8_t* list = nullptr;
+    ASSERT_EQ(osAllocMem(0, &list), 0u);
+    const uint64_t before = reallocations();
+    for (uint64_t i = 0; i < 1100000; i++) ASSERT_EQ(osInsertMem(&list, OS_BLOCK_END, record, 48), 0u);
+    EXPECT_LT(reallocations() - before, 64u);   // by pages alone it would be some 13000
+    // Near a border, to and fro asks for nothing.
+    ASSERT_EQ(osResizeMem(&list, 8143), 0u);
+    const uint64_t atBorder = reallocations();
+    for (uint64_t i = 0; i < 100; i++) ASSERT_EQ(osResizeMem(&list, i % 2 ? 8143 : 8144), 0u);
+    EXPECT_LE(reallocations() - atBorder, 1u);
+    (void)osFreeMem(&list);
+}
+
 TEST(NoMemory, Strings)
 {
     char16_t* text = nullptr;

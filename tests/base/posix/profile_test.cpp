@@ -99,6 +99,30 @@ TEST(ProfilePosix, SectionNamesFitToTheLastCharacter)
     osCloseProfile(&profile);
 }
 
+TEST(ProfilePosix, FirstOfManySectionsAndKeys)
+{
+    const TempDir dir;
+    std::string file;
+    for (int section = 1; section <= 100; section++) {
+        file += "[a]\n";
+        for (int key = 1; key <= 100; key++) file += "k=" + std::to_string(section * 1000 + key) + "\n";
+    }
+    writeFile(dir / u"project.ini", file);
+    OsProfile* profile = openProfile(dir / u"project.ini");
+    EXPECT_EQ(osProfileInt(profile, u"a", u"k", 77), 1001u);
+    osCloseProfile(&profile);
+}
+
+TEST(ProfilePosix, CommentsAreNoKeys)
+{
+    const TempDir dir;
+    writeFile(dir / u"project.ini", "[a]\n;k=1\n ;[b]\nj=2\n");
+    OsProfile* profile = openProfile(dir / u"project.ini");
+    EXPECT_EQ(osProfileInt(profile, u"a", u";k", 77), 77u);
+    EXPECT_EQ(osProfileInt(profile, u"a", u"j", 77), 2u);
+    osCloseProfile(&profile);
+}
+
 TEST(ProfilePosix, NamesFoldAsciiAlone)
 {
     const TempDir dir;
