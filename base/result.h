@@ -20,6 +20,7 @@ inline constexpr uint64_t ORV_MOVIE_NOT_WRITTEN = ORV_WRITE_FAILED;
 inline constexpr uint64_t ORV_MOVIE_NOT_READ = ORV_READ_FAILED;
 
 // Meant: the one result that fills all 64 bits, -3. A movie's sources held no whole sector.
+// Test: Source.NoWholeSector
 inline constexpr uint64_t ORV_NOTHING_SCANNED = 0xFFFFFFFFFFFFFFFD;
 
 // Codes of the base layer; they have no text.

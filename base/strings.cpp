@@ -120,3 +120,12 @@ uint64_t osStrFormatArgs(char16_t** out, const char16_t* format, uint64_t* lengt
     if (length) *length = got;
     return osStrAlloc(got, text, out);
 }
+
+uint64_t osFormPathArgs(char16_t** out, const char16_t* format, const OsFormatArg* args, uint64_t count)
+{
+    uint64_t length = 0;
+    if (uint64_t error = osStrFormatArgs(out, format, &length, args, count)) return error;
+    if (length < OS_FORMAT_LIMIT) return 0;
+    (void)osStrFree(out);
+    return OS_INVALID_ARGUMENT;
+}

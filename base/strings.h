@@ -72,8 +72,17 @@ template <class... Args> uint64_t osFormat(char16_t* buffer, uint64_t size, cons
     return osFormatArgs(buffer, size, format, list, sizeof...(args));
 }
 
+[[nodiscard]] uint64_t osFormPathArgs(char16_t** out, const char16_t* format, const OsFormatArg* args, uint64_t count);
 [[nodiscard]] uint64_t osStrFormatArgs(char16_t** out, const char16_t* format, uint64_t* length,
                                        const OsFormatArg* args, uint64_t count);
+
+/** Forms a path as a new string object. A path that the formatter had to cut would name another file: it is
+    OS_INVALID_ARGUMENT, and *out is null. */
+template <class... Args> [[nodiscard]] uint64_t osFormPath(char16_t** out, const char16_t* format, const Args&... args)
+{
+    const OsFormatArg list[sizeof...(args) + 1] = { osArg(args)... };
+    return osFormPathArgs(out, format, list, sizeof...(args));
+}
 
 /** Formats into a new string object; length may be null. No memory is OS_OUT_OF_MEMORY; an empty text is no failure. */
 template <class... Args>

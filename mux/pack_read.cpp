@@ -5,7 +5,7 @@
 #include "mux/pack_layout.h"
 
 // The clocks of a pack are 33 bits wide. Meant: the top bit is neither read nor stored, so that a clock wraps after 13
-// hours; times are carried as the low 32 bits, sign-extended. Test: PackRead.TopBitIsIgnored
+// hours; times are carried as the low 32 bits, sign-extended. Test: PackRead.ScrIgnoresBit32AndMarkers
 static uint64_t signExtend(uint32_t ticks)
 {
     return uint64_t(int64_t(int32_t(ticks)));

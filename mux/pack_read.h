@@ -4,7 +4,7 @@
 #include <cstdint>
 
 /** SCR base of the pack header: 90 kHz ticks, low 32 of 33 bits, sign-extended. extension may be null and gets the 27
-    MHz part, 0..299. */
+    MHz part, nine bits: 0..299 in a sound pack. */
 [[nodiscard]] uint64_t orvReadScr(const uint8_t* pack, uint64_t* extension);
 /** Rewrites the SCR of the pack header; bit 32 is not stored. */
 void orvSetScr(uint8_t* pack, uint64_t scr, uint64_t extension);

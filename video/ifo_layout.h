@@ -116,6 +116,11 @@ inline constexpr DiscField ADT_LAST             = {   8,   4, "last_sector"     
 inline constexpr DiscField ADT_FIELDS[] = { ADT_VOB_ID, ADT_CELL_ID, ADT_START, ADT_LAST };
 inline constexpr uint64_t ADT_BYTES = 12;
 
+// Head of a VOBU address map; the sectors of the units follow.
+inline constexpr DiscField VOBU_MAP_LAST_BYTE   = {   0,   4, "last_byte"          };
+inline constexpr uint64_t VOBU_MAP_HEADER_BYTES = 4;
+inline constexpr uint64_t VOBU_MAP_ENTRY_BYTES = 4;
+
 // One entry of TT_SRPT.
 inline constexpr DiscField TITLE_TYPE           = {   0,   1, "pb_ty"              };
 inline constexpr DiscField TITLE_ANGLES         = {   1,   1, "nr_of_angles"       };

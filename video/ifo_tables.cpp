@@ -30,7 +30,7 @@ static uint64_t walkCells(CellWalk* walk, const VobuRecord* list)
         const VobuRecord* record = list + i;
         if (record->cellId != walk->cellId || record->vobId != walk->vobId) {
             // Meant: a list that does not begin with cell 1 of VOB 1 gets an entry for that cell too, which ends at 0.
-            // Test: IfoTables.CellTableOfLeadingRecord
+            // Test: CellAddressTable.Entries
             const uint64_t lastSector = i > 0 ? record[-1].lastSector : 0;
             if (uint64_t error = endCell(walk, walk->vobId, walk->cellId, lastSector)) return error;
             walk->start = record->sector;
@@ -63,16 +63,18 @@ uint64_t orvBuildCellAddressTable(const VobuRecord* vobuList, uint8_t** result)
 uint64_t orvBuildVobuMap(const VobuRecord* vobuList, uint8_t** result)
 {
     const uint64_t count = osListCount(vobuList);
-    if (uint64_t error = osAllocMem(4 + 4 * count, result)) return error;
-    orvPut32(*result, 4 * count + 3);   // the table's last byte
-    for (uint64_t i = 0; i < count; i++) orvPut32(*result + 4 + 4 * i, vobuList[i].sector);
+    const uint64_t bytes = VOBU_MAP_HEADER_BYTES + count * VOBU_MAP_ENTRY_BYTES;
+    if (uint64_t error = osAllocMem(bytes, result)) return error;
+    orvPut(*result, VOBU_MAP_LAST_BYTE, bytes - 1);
+    uint8_t* entry = *result + VOBU_MAP_HEADER_BYTES;
+    for (uint64_t i = 0; i < count; i++) orvPut32(entry + i * VOBU_MAP_ENTRY_BYTES, vobuList[i].sector);
     return 0;
 }
 
 uint64_t orvAppendTable(uint8_t** ifo, uint8_t** table, uint64_t lastByte, uint64_t* sectors)
 {
     // Meant: the size is computed from the last byte, so that a table of 2048 n + 1 bytes loses that byte.
-    // Test: IfoTables.PaddedSizeLosesAByte
+    // Test: AppendTable.PaddedSizes
     const uint64_t padded = (lastByte + SECTOR_BYTES - 1) & ~(SECTOR_BYTES - 1);
     const uint64_t size = osMemSize(*table);
     const uint64_t at = osMemSize(*ifo);
@@ -89,7 +91,7 @@ uint64_t orvAppendTable(uint8_t** ifo, uint8_t** table, uint64_t lastByte, uint6
 void orvPutVideoAttributes(uint8_t* to, const AttributeSet* attributes, bool isMenu)
 {
     // Permitted displays: 11 neither pan-scan nor letterbox, 00 both, 10 letterbox only. Meant: a menu in 16:9 differs
-    // from a title. Test: VtsIfo.VideoAttributes
+    // from a title. Test: VideoAttributes.EveryField
     const uint64_t display = attributes->aspectRatio == 0 ? 3 : isMenu ? 2 : 0;
     to[0] = uint8_t((attributes->mpegVersion & 3) << 6 | (attributes->isPal & 3) << 4 |
                     (attributes->aspectRatio & 3) << 2 | display);
@@ -102,7 +104,7 @@ void orvPutAudioAttributes(uint8_t* to, const AttributeSet* attributes)
         const AudioStreamDesc* stream = attributes->audio + i;
         uint8_t* entry = to + i * AUDIO_ATTR_BYTES;
         // Meant: the language is not stored, and a stream without format among the first gives E0 07.
-        // Test: VtsIfo.AudioAttributes
+        // Test: AudioAttributes.EveryField
         entry[0] = uint8_t((uint64_t(stream->audioFormat) & 7) << 5);
         entry[1] = uint8_t((stream->quantization & 3) << 6 | (stream->sampleRateCode & 3) << 4 |
                            ((stream->channelCount - 1) & 7));

@@ -1,7 +1,6 @@
 // manager_driver.cpp: authors the video manager, the last stage of a DVD-Video run.
 
 #include "base/files.h"
-#include "base/memory.h"
 #include "base/result.h"
 #include "base/strings.h"
 #include "project/progress.h"
@@ -18,7 +17,8 @@ static uint64_t writeTables(DiscContext* context, const char16_t* ifoPath, const
 {
     if (uint64_t error = orvWriteVmgIfo(context, ifoPath, targetPath, previousPath, 0, nullptr)) return error;
     if (uint64_t error = report(context, PROGRESS_MANAGER_IFO)) return error;
-    (void)osCopyFile(ifoPath, backupPath, false);   // Meant: a backup that can't be written does not fail the run
+    // Meant: a backup that can't be written does not fail the run. Test: Target.WhatCannotBeWritten
+    (void)osCopyFile(ifoPath, backupPath, false);
     return report(context, PROGRESS_MANAGER_BACKUP);
 }
 
@@ -30,8 +30,9 @@ uint64_t CreateVideoManager(DiscContext* context, const char16_t* targetPath, co
 
     char16_t* ifoPath = nullptr;
     char16_t* backupPath = nullptr;
-    uint64_t result = osStrFormat(&ifoPath, u"%sVIDEO_TS.IFO", nullptr, targetPath);
-    if (!result) result = osStrFormat(&backupPath, u"%sVIDEO_TS.BUP", nullptr, targetPath);
+    uint64_t result = osFormPath(&ifoPath, u"%sVIDEO_TS.IFO", targetPath);
+    if (!result) result = osFormPath(&backupPath, u"%sVIDEO_TS.BUP", targetPath);
+    if (result == OS_INVALID_ARGUMENT) result = ORV_VMG_IFO_NOT_OPENED;
     if (!result) result = writeTables(context, ifoPath, backupPath, targetPath, previousPath);
     (void)osStrFree(&ifoPath);
     (void)osStrFree(&backupPath);

@@ -10,6 +10,7 @@
 #include "base/time_code.h"
 #include "mux/pack_layout.h"
 #include "mux/pack_read.h"
+#include "video/nav_layout.h"
 #include "video/pack_source.h"
 
 #include <cstring>
@@ -19,6 +20,9 @@
 constexpr uint64_t CARRY_BYTES = 6;
 constexpr uint64_t PICTURE_HEADER_END = 6;   // start code 00 00 01 00 and two header bytes
 
+constexpr uint8_t START_CODE_PREFIX = 0x01;   // the last byte of 00 00 01
+constexpr uint64_t START_CODE_BYTES = 4;
+constexpr uint8_t MPEG_AUDIO_STREAMS = 8;
 constexpr uint64_t PICTURE_I = 1, PICTURE_P = 2;
 constexpr uint64_t MAX_REFERENCES = 3;
 
@@ -63,8 +67,9 @@ uint64_t orvCountFilePacks(const DiscContext* context, char16_t* const* sources,
 
 static bool isNavPack(const uint8_t* pack)
 {
-    // The third byte is the last of the start code of the first private stream 2 packet.
-    return pack[PACK_PACKET_PREFIX.at] == 0x01 && pack[PACK_STREAM_ID.at] == STREAM_SYSTEM_HEADER && pack[40] == 0x01;
+    // A packet behind the system header, where other packs with a system header have none.
+    return pack[PACK_PACKET_PREFIX.at] == START_CODE_PREFIX && pack[PACK_STREAM_ID.at] == STREAM_SYSTEM_HEADER &&
+           pack[PCI_PACKET.at + 2] == START_CODE_PREFIX;
 }
 
 /** Closes the record of the unit that ends before the pack at hand, and appends it. */
@@ -92,13 +97,14 @@ static uint64_t scanNavPack(MovieScan* scan, const uint8_t* pack)
     scan->references = 0;
     if (scr == 0) scan->vobId++;
     // Meant: a first navigation pack that stands behind other packs leaves one record of zeros with only lastSector
-    // set. Test: MovieScan.LeadingRecord
+    // set. Test: MovieScan.PacksBeforeTheFirstNavigationPackMakeALeadingRecord
     if (scan->sector != 0) {
         if (uint64_t error = endVobu(scan)) return error;
     }
     scan->record.sector = scan->sector;
     scan->record.scr = scr;
     // Meant: the first chapter's position is never looked at, a cell starts at the start; at most one step a pack.
+    // Test: MovieScan.ChaptersMakeCells
     if (scan->chapter < scan->chapterLimit && scr >= uint64_t(scan->titleSet->chapters[scan->chapter].startFrame)) {
         scan->chapter++;
     }
@@ -120,8 +126,8 @@ constexpr SubStreamRange SUB_STREAMS[] = {
 static bool isStreamPack(const uint8_t* pack)
 {
     const uint8_t id = pack[PACK_STREAM_ID.at];
-    // Meant: 0xC8 is listed, as a pack of no known kind. Test: MovieScan.StreamPackKinds
-    return id == STREAM_PRIVATE_1 || (id >= STREAM_AUDIO && id <= STREAM_AUDIO + 8);
+    // Meant: 0xC8 is listed, as a pack of no known kind. Test: MovieScan.KindsByEveryEdgeOfTheIds
+    return id == STREAM_PRIVATE_1 || (id >= STREAM_AUDIO && id <= STREAM_AUDIO + MPEG_AUDIO_STREAMS);
 }
 
 static uint64_t scanStreamPack(MovieScan* scan, const uint8_t* pack)
@@ -139,7 +145,7 @@ static uint64_t scanStreamPack(MovieScan* scan, const uint8_t* pack)
             found.streamIndex = uint64_t(subId - range.first);
         }
         if (found.kind == PACK_SUBPICTURE) found.vobuSector = scan->record.sector;
-    } else if (id < STREAM_AUDIO + 8) {
+    } else if (id < STREAM_AUDIO + MPEG_AUDIO_STREAMS) {
         found.kind = PACK_MPEG_AUDIO;
         found.streamIndex = uint64_t(id - STREAM_AUDIO);
     }
@@ -155,6 +161,7 @@ static void scanPicture(MovieScan* scan, const uint8_t* header, uint64_t endSect
         uint64_t* const ends[MAX_REFERENCES] = { &record->firstRefEnd, &record->secondRefEnd, &record->thirdRefEnd };
         *ends[scan->references++] = endSector - record->sector;
     }
+    // Temporal reference, 10 bits, then the coding type, 3 bits.
     scan->previousType = header[1] >> 3 & 7;
     if (record->pictureCount == 1) record->temporalRef = uint64_t(header[0]) * 4 + (header[1] >> 6);
 }
@@ -173,7 +180,7 @@ static void scanCarry(MovieScan* scan, const uint8_t* payload, uint64_t length)
     memcpy(joint + CARRY_BYTES, payload, taken);
     // A payload shorter than the carry leaves the rest of it for the next pack, so that no code is seen twice.
     for (uint64_t i = 0; i < taken; i++) {
-        if (isPictureStart(joint + i)) scanPicture(scan, joint + i + 4, scan->previousVideoSector);
+        if (isPictureStart(joint + i)) scanPicture(scan, joint + i + START_CODE_BYTES, scan->previousVideoSector);
     }
     memcpy(scan->carry, joint + taken, CARRY_BYTES);
 }
@@ -200,7 +207,7 @@ static void scanVideoPack(MovieScan* scan, const uint8_t* pack)
             at = static_cast<const uint8_t*>(one) - 2;
             if (isPictureStart(at)) {
                 const bool endsBefore = at == payload && scan->previousVideoSector != 0;
-                scanPicture(scan, at + 4, endsBefore ? scan->previousVideoSector : scan->sector);
+                scanPicture(scan, at + START_CODE_BYTES, endsBefore ? scan->previousVideoSector : scan->sector);
             }
             at++;
         }
@@ -211,7 +218,7 @@ static void scanVideoPack(MovieScan* scan, const uint8_t* pack)
 
 static uint64_t scanPack(MovieScan* scan, const uint8_t* pack)
 {
-    if (pack[PACK_PACKET_PREFIX.at] != 0x01) return 0;
+    if (pack[PACK_PACKET_PREFIX.at] != START_CODE_PREFIX) return 0;
     if (scan->streamPackList && isStreamPack(pack)) {
         if (uint64_t error = scanStreamPack(scan, pack)) return error;
     }

@@ -14,6 +14,8 @@ constexpr uint64_t NEVER = 0xFFFFFFFF;
 constexpr uint64_t ONE_GROUP = 0x1000;            // type 0: normal
 constexpr uint64_t WIDE_AND_LETTERBOX = 0x2120;   // two groups: type 1 wide, type 2 letterbox
 
+constexpr uint64_t BAR_LINES_PAL = 72, BAR_LINES_NTSC = 60;   // black above the letterbox picture
+
 // A menu for VOBs that no menu of the project describes: without buttons.
 static const MenuDesc NO_MENU = {};
 
@@ -50,7 +52,7 @@ static void putButton(uint8_t* to, const ButtonDesc* button, uint64_t yStart, ui
     orvPut(to, BUTTON_LEFT, button->leftLink);
     orvPut(to, BUTTON_RIGHT, button->rightLink);
     // Meant: an unknown command leaves eight zero bytes, and VM_MULTIPLY_REG reaches the disc in spite of its result.
-    // Test: NavMenu.UnknownButtonCommand
+    // Test: NavMenu.CommandOfAButton
     (void)orvEncodeCommand(to + BUTTON_COMMAND.at, button->command, uint8_t(button->param1), button->param2,
                            button->param3, 0);
 }
@@ -60,7 +62,7 @@ static void putButtons(uint8_t* pack, const MenuDesc* menu, int64_t videoStandar
     uint8_t* table = pack + PCI_BTNIT.at;
     const uint64_t most = menu->hasLetterbox ? BUTTON_GROUP : MAX_BUTTONS;
     // Letterbox display squeezes the picture to three quarters and centres it.
-    const uint64_t barHeight = videoStandard == STANDARD_PAL ? 72 : 60;
+    const uint64_t barHeight = videoStandard == STANDARD_PAL ? BAR_LINES_PAL : BAR_LINES_NTSC;
     for (uint64_t i = 0; i < menu->buttonCount && i < most; i++) {
         const ButtonDesc* button = menu->buttons + i;
         putButton(table + i * BUTTON_BYTES, button, button->yStart, button->yEnd);
@@ -79,7 +81,7 @@ void orvFillHighlight(Highlight* highlight, const VobuRecord* record, uint8_t* p
 
     uint64_t status = opensVob ? HLI_NEW : HLI_AS_BEFORE;
     if (highlight->loops) {
-        // Meant: the first menu's value splits the whole file, all menus alike. Test: NavMenu.LoopSplitsTheFile
+        // Meant: the first menu's value splits the whole file, all menus alike. Test: NavMenu.NoHighlightBeforeTheLoop
         if (record->scr < highlight->loopValue) {
             orvPut(pack, PCI_HLI_SS, HLI_NONE);
             return;
@@ -97,7 +99,7 @@ void orvFillHighlight(Highlight* highlight, const VobuRecord* record, uint8_t* p
     orvPut(pack, PCI_BTN_SE_E_PTM, NEVER);
     orvPut(pack, PCI_BTN_MD, menu->hasLetterbox ? WIDE_AND_LETTERBOX : ONE_GROUP);
     // Meant: the count is that of the project also where two groups hold only eighteen buttons each.
-    // Test: NavMenu.TwentyButtonsWithLetterbox
+    // Test: NavMenu.LetterboxTakesEighteenButtons
     orvPut(pack, PCI_BTN_NS, menu->buttonCount);
     orvPut(pack, PCI_NSL_BTN_NS, menu->buttonCount);
     osCopyMem(pack + PCI_BTN_COLIT.at, menu->colorSets, PCI_BTN_COLIT.size);

@@ -82,7 +82,8 @@ static_assert(orvFieldsFit(NAV_FIELDS, SECTOR_BYTES));
 inline constexpr uint64_t BUTTON_BYTES = 18;
 inline constexpr uint64_t BUTTON_GROUP = 18;   // buttons of one group where a menu has two
 static_assert(orvFieldsFit(BUTTON_FIELDS, BUTTON_BYTES));
-static_assert(PCI_BTNIT.size == 36 * BUTTON_BYTES);
+inline constexpr uint64_t BUTTON_ENTRIES = PCI_BTNIT.size / BUTTON_BYTES;
+static_assert(BUTTON_ENTRIES == 2 * BUTTON_GROUP);
 
 inline constexpr uint64_t NAV_HEADER_BYTES = 38;   // pack header and system header, which stay as they were multiplexed
 inline constexpr uint32_t NAV_PACKET_START = 0x000001BF;

@@ -111,7 +111,7 @@ uint64_t orvSetupMenu(const DiscContext* context, uint64_t audioStreamCount, uin
     walk.audioStreamCount = audioStreamCount;
     orvBeginSearch(&walk.search, vobuList, walk.ticksPerFrame);
     // Meant: one pair for the whole file, the last unit of the first record's cell number and 0.
-    // Test: NavMenu.SearchMarksOfTheWholeFile
+    // Test: NavSearch.EndsInAMenuAreThoseOfTheFile
     if (walk.count > 0) walk.search.lastSector = orvLastSectorOfCell(vobuList, vobuList[0].cellId);
     walk.search.firstSector = 0;
     orvBeginHighlight(&walk.highlight, menus, menuCount, videoStandard, vobuList);

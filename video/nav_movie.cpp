@@ -10,8 +10,9 @@
 #include "video/nav_setup.h"
 #include "video/nav_sync.h"
 
-// The source files while packs are taken out and put back. Packs come in the order of the list, so that no file is
-// needed again once it is passed. Only the packs themselves are read: all that lies between them stays untouched.
+// The source files while packs are taken out and put back. Packs come in the order of the list, so that of a file
+// that is passed nothing is needed again but the share of a split pack. Only the packs themselves are read: all that
+// lies between them stays untouched.
 struct MovieFiles {
     const DiscContext* context;
     char16_t* const* sources;
@@ -57,9 +58,11 @@ static uint64_t readRest(MovieFiles* files, uint64_t sector, uint8_t* pack, uint
         return fail(files, files->index, ORV_MOVIE_NOT_READ, u"Failed to read file in <orvSetupMovieA>: %s");
     }
     files->passed += size;
-    (void)osCloseFile(&files->file);   // what was written is on its way; a failed close tells nothing more
+    if (osCloseFile(&files->file)) {
+        return fail(files, files->index, ORV_MOVIE_NOT_WRITTEN, u"Failed to write DSI pack in <orvSetupMovieA>: %s");
+    }
     if (files->index + 1 >= MAX_SOURCES || !files->sources[files->index + 1]) {
-        *ended = true;   // Meant: the packs that are left stay as they are. Test: NavMovie.ListPastTheLastFile
+        *ended = true;   // Meant: the packs that are left stay as they are. Test: NavMovie.ListEndsBeforeTheStream
         return 0;
     }
     files->index++;
@@ -68,7 +71,8 @@ static uint64_t readRest(MovieFiles* files, uint64_t sector, uint8_t* pack, uint
     files->firstShare = got;
     if (got == 0) files->position = sector * SECTOR_BYTES - files->passed;
     uint64_t rest = 0;
-    // Meant: one step a pack. A file in which no pack begins can't be stepped over. Test: NavMovie.SourceWithoutNavPack
+    // Meant: one step a pack. A file in which no pack begins can't be stepped over. Test:
+    // NavMovie.OneStepToTheNextFileForAPack
     if (readUpTo(files->file, got ? 0 : files->position, pack + got, SECTOR_BYTES - got, &rest) ||
         rest < SECTOR_BYTES - got) {
         return fail(files, files->index, ORV_MOVIE_NOT_READ, u"Failed to read rest of pack in <orvSetupMovieA>: %s");
@@ -197,6 +201,7 @@ uint64_t orvSetupMovieA(const DiscContext* context, int64_t videoStandard, uint6
     walk.ticksPerFrame = orvFrameTicks(videoStandard);
     walk.audioStreamCount = audioStreamCount;
     // Meant: a failed count is logged and the work goes on; the last unit then ends nowhere.
+    // Test: NavMovie.FailedCountIsLoggedAndTheWorkGoesOn
     if (orvCountFilePacks(context, sources, &walk.totalSectors)) {
         (void)fail(&files, 0, ORV_MOVIE_NOT_READ, u"Failed to open file in <orvSetupMovieA>: %s");
     }

@@ -12,7 +12,7 @@ constexpr uint8_t SUB_STREAM_PCI = 0, SUB_STREAM_DSI = 1;
 void orvSetUnitTimes(NavPackValues* values, const VobuRecord* record, uint64_t ticksPerFrame)
 {
     // Meant: a unit of fewer than ten pictures, a still or an empty one too, is declared twelve frames long.
-    // Test: NavMovie.ShortUnitIsTwelveFrames
+    // Test: NavMovie.LengthOfAUnit
     const uint64_t frames = record->pictureCount < SHORT_UNIT_PICTURES ? SHORT_UNIT_FRAMES : record->pictureCount;
     values->startPts = orvVobuStartPts(record, ticksPerFrame);
     values->endPts = values->startPts + frames * ticksPerFrame;

@@ -11,8 +11,8 @@ constexpr uint32_t POINTER_DISTANCE = 0x3FFFFFFF;
 constexpr uint32_t POINTER_VALID = 0x80000000;       // a unit with video
 constexpr uint32_t POINTER_VALID_FAR = 0xC0000000;   // the same, with units passed over on the way
 constexpr uint32_t POINTER_NONE = 0x3FFFFFFF;
-// Meant: the neighbours with video say "none" with another top bit than the plain neighbours. Test:
-// NavSearch.Neighbours
+// Meant: the neighbours with video say "none" with another top bit than the plain neighbours.
+// Test: NavSearch.NothingLeavesTheCellOrTheVob
 constexpr uint32_t POINTER_NONE_VIDEO = 0xBFFFFFFF;
 constexpr uint32_t POINTER_PASSED = 0x7FFFFFFF;   // no unit there, and the step before did not reach the cell's end
 

@@ -22,7 +22,7 @@ static bool isAudio(const StreamPackRecord* pack)
 static uint64_t addAudio(AudioSync* audio, const StreamPackRecord* pack)
 {
     // Meant: a pack's time ends where that of the next pack of the list begins, of whatever kind and stream that is.
-    // Test: NavSync.NextPackOfAnyKind
+    // Test: NavSync.NextRecordMayBeOfAnyKindAndStream
     const AudioSpan span = { pack->vobId, pack->pts, pack[1].pts, pack->sector };
     if (span.from >= span.until) return 0;
     const uint64_t count = osListCount(audio->spans);
@@ -50,7 +50,7 @@ uint64_t orvBuildSyncIndex(SyncIndex* index, const StreamPackRecord* streamPackL
     const uint64_t count = osListCount(streamPackList);
     for (uint64_t i = 0; i < count; i++) {
         const StreamPackRecord* pack = streamPackList + i;
-        // Meant: the list's last entry is never looked at as audio.
+        // Meant: the list's last entry is never looked at as audio. Test: NavSync.LastRecordIsNotLookedAt
         if (isAudio(pack) && pack->streamIndex < index->audioCount && i + 1 < count) {
             if (uint64_t error = addAudio(&index->audio[pack->streamIndex], pack)) return error;
         }
@@ -104,8 +104,8 @@ static uint16_t audioEntry(AudioSync* audio, const VobuRecord* record, uint64_t 
     const AudioSpan* span = findSpan(audio, record->vobId, time);
     if (!span) return AUDIO_NOT_FOUND;
     const int64_t sectors = int64_t(span->sector - record->sector);
-    if (sectors >= 32768) return AUDIO_TOO_FAR_AHEAD;
-    if (sectors < -32767) return AUDIO_TOO_FAR_BACK;
+    if (sectors > AUDIO_SECTORS) return AUDIO_TOO_FAR_AHEAD;
+    if (sectors < -int64_t(AUDIO_SECTORS)) return AUDIO_TOO_FAR_BACK;
     if (sectors >= 0) return uint16_t(sectors);
     return uint16_t(AUDIO_BACK | ((record->sector - span->sector) & AUDIO_SECTORS));
 }

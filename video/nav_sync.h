@@ -1,7 +1,6 @@
 // nav_sync.h: the sync entries of a navigation pack: where the audio and the sub-pictures lie that belong to its unit.
 #pragma once
 
-#include "base/time_code.h"
 #include "video/nav_layout.h"
 #include "video/vobu_record.h"
 

@@ -65,19 +65,17 @@ static CellEnd cellEnd(uint64_t cellMode, bool lastCell)
     }
 }
 
-static void putCell(uint8_t* to, int64_t videoStandard, uint64_t cell, bool lastCell, uint64_t cellMode, uint64_t vobId,
-                    const VobuRecord* list)
+static void putCell(uint8_t* to, int64_t videoStandard, uint64_t cell, bool lastCell, uint64_t cellMode,
+                    const CellExtent* extent)
 {
     const VobuRecord none = {};   // a cell number that no record has: sectors 0
-    const VobuRecord* first = orvFirstVobuOfCell(list, vobId, cell);
-    const VobuRecord* last = orvLastVobuOfCell(list, vobId, cell);
-    if (!first) first = &none;
-    if (!last) last = &none;
+    const VobuRecord* first = extent->first ? extent->first : &none;
+    const VobuRecord* last = extent->last ? extent->last : &none;
     const CellEnd end = cellEnd(cellMode, lastCell);
     orvPut(to, CELL_FLAGS, cell == 1 ? CELL_STC_DISCONTINUITY : CELL_SEAMLESS);
     orvPut(to, CELL_STILL_TIME, end.stillTime);
     orvPut(to, CELL_COMMAND, end.command);
-    orvPutTime(to + CELL_TIME.at, playbackTime(videoStandard, orvCountCellPictures(list, vobId, cell)));
+    orvPutTime(to + CELL_TIME.at, playbackTime(videoStandard, extent->pictures));
     orvPut(to, CELL_FIRST_SECTOR, first->sector);
     orvPut(to, CELL_LAST_VOBU, last->sector);
     orvPut(to, CELL_LAST_SECTOR, last->lastSector);
@@ -95,7 +93,7 @@ static uint64_t appendRoom(uint8_t** pgc, const DiscField& offsetField, uint64_t
 }
 
 static uint64_t appendCells(uint8_t** pgc, int64_t videoStandard, uint64_t cells, uint64_t cellMode, uint64_t vobId,
-                            const VobuRecord* list)
+                            const CellExtent* extents)
 {
     uint8_t* room = nullptr;
     if (uint64_t error = appendRoom(pgc, PGC_PROGRAM_MAP, (cells + 1) & ~uint64_t(1), &room)) return error;
@@ -103,7 +101,7 @@ static uint64_t appendCells(uint8_t** pgc, int64_t videoStandard, uint64_t cells
 
     if (uint64_t error = appendRoom(pgc, PGC_CELL_PLAYBACK, cells * CELL_PLAYBACK_BYTES, &room)) return error;
     for (uint64_t i = 0; i < cells; i++) {
-        putCell(room + i * CELL_PLAYBACK_BYTES, videoStandard, i + 1, i + 1 == cells, cellMode, vobId, list);
+        putCell(room + i * CELL_PLAYBACK_BYTES, videoStandard, i + 1, i + 1 == cells, cellMode, extents + i);
     }
 
     if (uint64_t error = appendRoom(pgc, PGC_CELL_POSITION, cells * CELL_POSITION_BYTES, &room)) return error;
@@ -123,7 +121,12 @@ static uint64_t appendTables(uint8_t** pgc, int64_t videoStandard, uint64_t cell
         if (uint64_t error = appendRoom(pgc, PGC_COMMANDS, bytes, &room)) return error;
         osCopyMem(room, commandTable, bytes);
     }
-    return cells > 0 ? appendCells(pgc, videoStandard, cells, cellMode, vobId, list) : 0;
+    if (cells == 0) return 0;
+    CellExtent* extents = nullptr;
+    if (uint64_t error = orvListCells(list, vobId, cells, &extents)) return error;
+    const uint64_t result = appendCells(pgc, videoStandard, cells, cellMode, vobId, extents);
+    (void)osFreeMem(&extents);
+    return result;
 }
 
 uint64_t orvBuildPgc(const MenuDesc* menus, const AttributeSet* attributes, int64_t videoStandard,
@@ -136,7 +139,9 @@ uint64_t orvBuildPgc(const MenuDesc* menus, const AttributeSet* attributes, int6
     uint64_t error = osAllocMem(PGC_BYTES, result);
     if (!error) {
         uint8_t* pgc = *result;
-        orvPut(pgc, PGC_PROGRAMS, cells);   // every program holds exactly one cell
+        // Every program holds exactly one cell. Meant: counts and numbers of cells are cut to their byte, nothing
+        // stands before them. Test: Pgc.TwoHundredAndFiftySixCells
+        orvPut(pgc, PGC_PROGRAMS, cells);
         orvPut(pgc, PGC_CELLS, cells);
         orvPutTime(pgc + PGC_PLAYBACK_TIME.at, playbackTime(videoStandard, orvCountPictures(vobuList, vobId)));
         orvPut(pgc, PGC_PROHIBITED_OPS, prohibitedOps);

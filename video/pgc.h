@@ -8,6 +8,8 @@
 
 // How the cells of a chain end: the loopMode of a menu, or CELLS_OF_TITLE.
 inline constexpr uint64_t CELLS_OF_TITLE = 3;
+// A title is VOB 1 of its list, whichever numbers later source files got.
+inline constexpr uint64_t TITLE_VOB = 1;
 
 /** Builds the chain of one VOB.
     @param menus         menus[vobId - 1] chooses the palette and the letterbox stream

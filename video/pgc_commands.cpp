@@ -78,7 +78,7 @@ static void appendLoop(CommandTable* table, uint64_t loopMode)
         return;
     }
     // Meant: without a loop the last pre command stands a second time, as the cell command. Test:
-    // Pgc.RepeatedCellCommand
+    // MenuPgc.RepeatedCommandOfAnAnimatedFirstMenu
     appendLast(table, CELL);
 }
 
@@ -110,7 +110,7 @@ uint64_t orvBuildMenuPgc(TitleSetDesc* titleSet, int64_t videoStandard, uint64_t
     if (menuIndex == 0) appendReturnFromMovie(&table, titleSet);
     if (orvCountPictures(vobuList, menuIndex + 1) != 1) appendLoop(&table, menu->loopMode);
     // Meant: behind the cell command, although the head counts post commands before cell commands.
-    // Test: Pgc.AudioMenuPostCommand
+    // Test: MenuPgc.WhatFollowsThePreCommands
     if (menu->audioButtonMark == AUDIO_BUTTON_MARK && menu->loopMode == LOOP_NONE) append(&table, POST, VM_JUMP_VMGM);
 
     uint8_t* commands = nullptr;
@@ -145,7 +145,7 @@ uint64_t orvBuildManagerMenuPgc(TitleSetDesc* manager, int64_t videoStandard, ui
     } else {
         append(&table, PRE, VM_SET_HIGHLIGHT, 1);
     }
-    // Meant: a chain without cells counts as animated too. Test: Pgc.ManagerMenuWithoutList
+    // Meant: a chain without cells counts as animated too. Test: ManagerMenuPgc.WithoutAVobuList
     if (orvCountPictures(vobuList, menuIndex + 1) != 1) appendLoop(&table, menu->loopMode);
 
     uint8_t* commands = nullptr;
@@ -165,7 +165,7 @@ static void appendPostCommand(CommandTable* table, uint64_t postCommand, uint64_
     case POST_NEXT: wanted = titleSetNumber + 1; break;
     case POST_PREVIOUS: wanted = titleSetNumber - 1; break;   // 0 from the first: no wish
     case POST_FIRST: wanted = 1; break;
-    default: return;   // POST_NONE. Meant: POST_LAST too ends playback. Test: Pgc.PostCommands
+    default: return;   // POST_NONE. Meant: POST_LAST too ends playback. Test: TitlePgc.PostCommands
     }
     append(table, POST, VM_SET_REG, REG_TITLE_SET, wanted);
     append(table, POST, VM_CALL_VMGM, 1);
@@ -181,8 +181,8 @@ uint64_t orvBuildTitlePgc(TitleSetDesc* titleSet, uint64_t titleSetNumber, int64
     uint8_t* commands = nullptr;
     if (uint64_t error = endCommands(&table, &commands)) return error;
     titleSet->titleAttributes.attributeHead = 0;
-    // Meant: a title is VOB 1 of its list, and its palette is chosen by the title set's first menu.
+    // Meant: the palette of a title is chosen by the title set's first menu. Test: TitlePgc.PaletteOfTheFirstMenu
     return orvBuildPgc(titleSet->menus, &titleSet->titleAttributes, videoStandard,
-                       titleSet->restricted ? TITLE_OPS_RESTRICTED : TITLE_OPS, CELLS_OF_TITLE, commands, 1, vobuList,
-                       result);
+                       titleSet->restricted ? TITLE_OPS_RESTRICTED : TITLE_OPS, CELLS_OF_TITLE, commands, TITLE_VOB,
+                       vobuList, result);
 }

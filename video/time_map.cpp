@@ -21,7 +21,7 @@ static uint64_t appendEntries(uint64_t ticksPerFrame, const VobuRecord* list, ui
         const uint64_t start = orvVobuStartPts(list + i, ticksPerFrame);
         if (start > target || target >= start + list[i].pictureCount * ticksPerFrame) continue;
         // Meant: one entry a record. A target that a long unit leaves behind it is held by no later one, and the map
-        // ends there. Test: TimeMap.LongUnitEndsTheMap
+        // ends there. Test: TimeMap.Rules
         target += MAP_TICKS;
         uint8_t entry[MAP_ENTRY_BYTES];
         orvPut32(entry, list[i].sector | (list[i].cellId != cell ? ENTRY_NEW_CELL : 0));

@@ -1,6 +1,5 @@
 // title_set_driver.cpp: authors one title set: scans its sources, fills their navigation packs, writes IFO and backup.
 
-#include "base/bytes.h"
 #include "base/files.h"
 #include "base/memory.h"
 #include "base/result.h"
@@ -75,7 +74,8 @@ static uint64_t writeTables(const TitleSetRun* run, const char16_t* ifoPath, con
         return error;
     }
     if (uint64_t error = report(run, PROGRESS_TITLE_SET_IFO)) return error;
-    (void)osCopyFile(ifoPath, backupPath, false);   // Meant: a backup that can't be written does not fail the run
+    // Meant: a backup that can't be written does not fail the run. Test: Target.WhatCannotBeWritten
+    (void)osCopyFile(ifoPath, backupPath, false);
     return report(run, PROGRESS_TITLE_SET_BACKUP);
 }
 
@@ -83,8 +83,10 @@ static uint64_t writeFiles(const TitleSetRun* run)
 {
     char16_t* ifoPath = nullptr;
     char16_t* backupPath = nullptr;
-    uint64_t result = osStrFormat(&ifoPath, u"%sVTS_%.2d_0.IFO", nullptr, run->targetPath, run->number);
-    if (!result) result = osStrFormat(&backupPath, u"%sVTS_%.2d_0.BUP", nullptr, run->targetPath, run->number);
+    // A target whose files would have too long a name holds none.
+    uint64_t result = osFormPath(&ifoPath, u"%sVTS_%.2d_0.IFO", run->targetPath, run->number);
+    if (!result) result = osFormPath(&backupPath, u"%sVTS_%.2d_0.BUP", run->targetPath, run->number);
+    if (result == OS_INVALID_ARGUMENT) result = ORV_VTS_IFO_NOT_OPENED;
     if (!result) result = writeTables(run, ifoPath, backupPath);
     (void)osStrFree(&ifoPath);
     (void)osStrFree(&backupPath);

@@ -17,6 +17,7 @@ constexpr uint8_t ENTRY_TITLE_MENU = 0x82;   // entry chain of the title menu
 constexpr uint8_t EXISTS_MENU = 0x80;
 constexpr uint8_t TITLE_TYPE_SEQUENTIAL = 0x0C;
 constexpr uint64_t FIRST_PLAY_AT = 1024;
+constexpr uint64_t OFFSET_BYTES = 4;   // of an entry of VTS_ATRT
 constexpr uint64_t ROOT_TITLE = 1;
 constexpr char PROVIDER[] = "ORVEN";
 
@@ -107,7 +108,7 @@ static uint64_t putAttributes(const VmgIfo* ifo, uint64_t number, uint8_t* entry
 static uint64_t buildAttributeTable(const VmgIfo* ifo, uint8_t** table)
 {
     const uint64_t titleSets = ifo->context->head.titleSetCount;
-    const uint64_t head = TABLE_HEADER_BYTES + 4 * titleSets;
+    const uint64_t head = TABLE_HEADER_BYTES + OFFSET_BYTES * titleSets;
     const uint64_t bytes = head + titleSets * ATRT_BYTES;
     uint64_t result = osAllocMem(bytes, table);
     if (result) return result;
@@ -115,7 +116,7 @@ static uint64_t buildAttributeTable(const VmgIfo* ifo, uint8_t** table)
     orvPut(*table, TABLE_LAST_BYTE, bytes - 1);
     for (uint64_t i = 0; i < titleSets && !result; i++) {
         const uint64_t at = head + i * ATRT_BYTES;
-        orvPut32(*table + TABLE_HEADER_BYTES + 4 * i, at);
+        orvPut32(*table + TABLE_HEADER_BYTES + OFFSET_BYTES * i, at);
         result = putAttributes(ifo, i + 1, *table + at);
     }
     if (result) (void)osFreeMem(table);
@@ -166,7 +167,7 @@ static uint64_t appendTables(VmgIfo* ifo, VmgTables* tables)
     if (uint64_t error = appendCounted(ifo, VMG_VTS_ATRT_AT, &tables->attributes)) return error;
     if (!tables->cells) return 0;
     if (uint64_t error = appendCounted(ifo, VMGM_C_ADT_AT, &tables->cells)) return error;
-    return appendTable(ifo, VMGM_VOBU_ADMAP_AT, &tables->vobus, orvGet32(tables->vobus));
+    return appendTable(ifo, VMGM_VOBU_ADMAP_AT, &tables->vobus, orvGet(tables->vobus, VOBU_MAP_LAST_BYTE));
 }
 
 static void freeTables(VmgTables* tables)
@@ -198,6 +199,7 @@ static uint64_t putFirstPlay(const VmgIfo* ifo, uint8_t* pgc)
     orvPutTime(pgc + PGC_PLAYBACK_TIME.at, orvFramesToTime(ifo->context->head.videoStandard, 0));
     orvPut(pgc, PGC_COMMANDS, PGC_BYTES);
     // Meant: a post command. The chain has nothing to play, so that a player goes straight to it.
+    // Test: VmgIfo.FirstPlay
     orvPut(commands, COMMANDS_POST, 1);
     orvPut(commands, COMMANDS_LAST_BYTE, COMMANDS_HEADER_BYTES + VM_COMMAND_BYTES - 1);
     return putFirstPlayCommand(ifo, commands + COMMANDS_HEADER_BYTES);
@@ -218,7 +220,7 @@ static uint64_t fillHeader(const VmgIfo* ifo)
     osCopyMem(header + VMG_PROVIDER.at, PROVIDER, sizeof(PROVIDER) - 1);
     orvPut(header, VMGI_LAST_BYTE, FIRST_PLAY_AT - 1 + VMG_FIRST_PLAY.size);
     orvPut(header, VMG_FIRST_PLAY_AT, FIRST_PLAY_AT);
-    // Meant: also where VIDEO_TS.VOB is empty. Test: VmgIfo.WithoutMenus
+    // Meant: also where VIDEO_TS.VOB is empty. Test: VmgIfo.WithoutMenusWholeFile
     orvPut(header, VMGM_VOBS, ifo->sectors);
     if (ifo->context->vmg.menuCount) {
         const AttributeSet* menu = &ifo->context->vmg.menuAttributes;
@@ -240,10 +242,10 @@ static uint64_t correctTitleTable(const VmgIfo* ifo)
         orvPut(table + TABLE_HEADER_BYTES + i * TITLE_BYTES, TITLE_START, start);
         uint64_t ifoSectors = 0;
         uint64_t vobSectors = 0;
-        if (orvReadVTSInfo(ifo->context, ifo->targetPath, i + 1, nullptr, &ifoSectors, &vobSectors,
-                           ifo->previousPath)) {
-            return ORV_VMG_IFO_NOT_CORRECTED;
-        }
+        const uint64_t result =
+            orvReadVTSInfo(ifo->context, ifo->targetPath, i + 1, nullptr, &ifoSectors, &vobSectors, ifo->previousPath);
+        if (result == ORV_PREVIOUS_VTS_IFO_NOT_OPENED) return ORV_VMG_IFO_NOT_CORRECTED;
+        if (result) return result;
         start += 2 * ifoSectors + vobSectors;   // IFO and backup are of one size
     }
     return 0;

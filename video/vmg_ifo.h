@@ -7,7 +7,9 @@
 #include <cstdint>
 
 /** @param vobBytes  size of VIDEO_TS.VOB in bytes
-    @param vobuList  of VIDEO_TS.VOB; null without manager menus */
+    @param vobuList  of VIDEO_TS.VOB; null without manager menus
+    @return 0; ORV_WRONG_TITLE_SET_COUNT; ORV_VMG_IFO_NOT_OPENED; the codes of orvReadVTSInfo;
+            ORV_VMG_IFO_NOT_CORRECTED if a title set's file vanishes meanwhile; a platform's number */
 [[nodiscard]] uint64_t orvWriteVmgIfo(DiscContext* context, const char16_t* ifoPath, const char16_t* targetPath,
                                       const char16_t* previousPath, uint64_t vobBytes, const VobuRecord* vobuList);
 
@@ -15,7 +17,8 @@
     three results may be null.
     @param ifoImage    receives the whole IFO as a block, the caller's
     @param ifoSectors  size of the IFO
-    @param vobSectors  sum of the sizes of VTS_nn_0.VOB to VTS_nn_9.VOB, each cut to whole sectors */
+    @param vobSectors  sum of the sizes of VTS_nn_0.VOB to VTS_nn_9.VOB, each cut to whole sectors
+    @return 0; ORV_PREVIOUS_VTS_IFO_NOT_OPENED, logged; ORV_PREVIOUS_VTS_IFO_NOT_READ; a platform's number */
 [[nodiscard]] uint64_t orvReadVTSInfo(const DiscContext* context, const char16_t* targetPath, uint64_t titleSetNumber,
                                       uint8_t** ifoImage, uint64_t* ifoSectors, uint64_t* vobSectors,
                                       const char16_t* previousPath);

@@ -25,27 +25,16 @@ uint64_t orvCountPictures(const VobuRecord* list, uint64_t vobId)
     return pictures;
 }
 
-uint64_t orvCountCellPictures(const VobuRecord* list, uint64_t vobId, uint64_t cellId)
+uint64_t orvListCells(const VobuRecord* list, uint64_t vobId, uint64_t count, CellExtent** extents)
 {
-    uint64_t pictures = 0;
+    if (uint64_t error = osAllocMem(count * sizeof(CellExtent), extents)) return error;
     for (uint64_t i = 0; i < osListCount(list); i++) {
-        if (list[i].vobId == vobId && list[i].cellId == cellId) pictures += list[i].pictureCount;
+        const VobuRecord* record = list + i;
+        if (record->vobId != vobId || record->cellId < 1 || record->cellId > count) continue;
+        CellExtent* extent = *extents + (record->cellId - 1);
+        if (!extent->first) extent->first = record;
+        extent->last = record;
+        extent->pictures += record->pictureCount;
     }
-    return pictures;
-}
-
-const VobuRecord* orvFirstVobuOfCell(const VobuRecord* list, uint64_t vobId, uint64_t cellId)
-{
-    for (uint64_t i = 0; i < osListCount(list); i++) {
-        if (list[i].vobId == vobId && list[i].cellId == cellId) return list + i;
-    }
-    return nullptr;
-}
-
-const VobuRecord* orvLastVobuOfCell(const VobuRecord* list, uint64_t vobId, uint64_t cellId)
-{
-    for (uint64_t i = osListCount(list); i > 0; i--) {
-        if (list[i - 1].vobId == vobId && list[i - 1].cellId == cellId) return list + (i - 1);
-    }
-    return nullptr;
+    return 0;
 }

@@ -9,8 +9,13 @@
 [[nodiscard]] uint64_t orvCountCells(const VobuRecord* list, uint64_t vobId);
 /** Pictures of a VOB. */
 [[nodiscard]] uint64_t orvCountPictures(const VobuRecord* list, uint64_t vobId);
-/** Pictures of one cell. */
-[[nodiscard]] uint64_t orvCountCellPictures(const VobuRecord* list, uint64_t vobId, uint64_t cellId);
-/** First and last record of a cell; null if it has none. */
-[[nodiscard]] const VobuRecord* orvFirstVobuOfCell(const VobuRecord* list, uint64_t vobId, uint64_t cellId);
-[[nodiscard]] const VobuRecord* orvLastVobuOfCell(const VobuRecord* list, uint64_t vobId, uint64_t cellId);
+
+// What the records of one cell have together.
+struct CellExtent {
+    const VobuRecord* first;   // in list order; null if the cell has no record
+    const VobuRecord* last;
+    uint64_t pictures;
+};
+
+/** The extents of cells 1 to count of a VOB, in a new block, the caller's; found in one walk over the list. */
+[[nodiscard]] uint64_t orvListCells(const VobuRecord* list, uint64_t vobId, uint64_t count, CellExtent** extents);

@@ -103,13 +103,13 @@ static uint64_t appendAddressTables(VtsIfo* ifo, const DiscField& cellField, con
     uint8_t* table = nullptr;
     if (uint64_t error = appendCounted(ifo, cellField, orvBuildCellAddressTable(list, &table), &table)) return error;
     if (uint64_t error = orvBuildVobuMap(list, &table)) return error;
-    return appendTable(ifo, vobuField, &table, orvGet32(table));
+    return appendTable(ifo, vobuField, &table, orvGet(table, VOBU_MAP_LAST_BYTE));
 }
 
 static uint64_t appendTables(VtsIfo* ifo)
 {
     uint8_t* table = nullptr;
-    const uint64_t cells = orvCountCells(ifo->titleList, 1);
+    const uint64_t cells = orvCountCells(ifo->titleList, TITLE_VOB);
     if (uint64_t error = appendCounted(ifo, VTS_PTT_SRPT_AT, buildChapterTable(cells, &table), &table)) return error;
     if (uint64_t error = appendCounted(ifo, VTS_PGCIT_AT, buildTitleChains(ifo, &table), &table)) return error;
     if (ifo->menuSectors) {
@@ -156,7 +156,8 @@ static uint64_t writeIfo(VtsIfo* ifo, OSFILE file)
     if (!result) result = appendTables(ifo);
     if (!result) {
         fillHeader(ifo);
-        // Meant: the result of the write is not looked at; the manager finds a file that is too short when it reads it.
+        // Meant: the result of the write is not looked at. The manager, which reads the file back, refuses one that is
+        // cut before its cell address table. Test: VmgIfoFailure.BadImages
         (void)osWriteFile(file, ifo->block, osMemSize(ifo->block));
     }
     (void)osFreeMem(&ifo->block);

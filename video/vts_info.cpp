@@ -19,19 +19,26 @@ static uint64_t findFile(const char16_t* targetPath, const char16_t* previousPat
 {
     *path = nullptr;
     if (previousPath && *previousPath) {
-        if (uint64_t error = osStrFormat(path, format, nullptr, previousPath, titleSetNumber, digit)) return error;
+        // A name that would be too long is that of no file.
+        const uint64_t formed = osFormPath(path, format, previousPath, titleSetNumber, digit);
+        if (formed && formed != OS_INVALID_ARGUMENT) return formed;
         // Meant: the file's existence alone decides, also for a title set that this run has written.
-        // Test: VmgIfo.PreviousPathWins
-        if (!osGetFileInfo(*path, nullptr, nullptr)) return 0;
+        // Test: VmgIfoPrevious.OlderFilesOfATitleSetOfThisRunWin
+        if (!formed && !osGetFileInfo(*path, nullptr, nullptr)) return 0;
         (void)osStrFree(path);
     }
-    return osStrFormat(path, format, nullptr, targetPath, titleSetNumber, digit);
+    return osFormPath(path, format, targetPath, titleSetNumber, digit);
 }
 
 static uint64_t readImage(OSFILE file, uint64_t size, uint8_t** image)
 {
+    // A file of another kind, of whatever size, is known by its first bytes.
+    uint8_t mark[IFO_MARK_BYTES];
+    if (osReadFile(file, mark, IFO_MARK_BYTES) || memcmp(mark, VTS_MARK, IFO_MARK_BYTES) != 0) {
+        return ORV_PREVIOUS_VTS_IFO_NOT_READ;
+    }
     if (uint64_t error = osAllocMem(size, image)) return error;
-    if (size < IFO_MARK_BYTES || osReadFile(file, *image, size) || memcmp(*image, VTS_MARK, IFO_MARK_BYTES) != 0) {
+    if (osSeekFile(file, 0, OS_FROM_START) || osReadFile(file, *image, size)) {
         (void)osFreeMem(image);
         return ORV_PREVIOUS_VTS_IFO_NOT_READ;
     }
