@@ -38,9 +38,9 @@ uint64_t subStreamHeaderBytes(uint8_t subStreamId)
     return 1;
 }
 
-uint64_t stampBytes(const PesSpec& spec)
+uint64_t stampBytes(const PesSpec& recipe)
 {
-    return (spec.pts ? 5u : 0u) + (spec.pts && spec.dts ? 5u : 0u);
+    return (recipe.pts ? 5u : 0u) + (recipe.pts && recipe.dts ? 5u : 0u);
 }
 
 }   // namespace
@@ -85,55 +85,55 @@ Bytes dirtyNavPack(PackClock clock, uint8_t junk)
     return pack;
 }
 
-uint64_t pesCapacity(const PesSpec& spec)
+uint64_t pesCapacity(const PesSpec& recipe)
 {
-    return PACK_BYTES - PES_AT - PES_HEADER_BYTES - stampBytes(spec) - spec.stuffing;
+    return PACK_BYTES - PES_AT - PES_HEADER_BYTES - stampBytes(recipe) - recipe.stuffing;
 }
 
-Bytes pesPack(uint8_t streamId, const Bytes& payload, const PesSpec& spec)
+Bytes pesPack(uint8_t streamId, const Bytes& payload, const PesSpec& recipe)
 {
-    const uint64_t capacity = pesCapacity(spec);
+    const uint64_t capacity = pesCapacity(recipe);
     if (payload.size() > capacity) throw std::length_error("payload larger than the pack");
     const uint64_t left = capacity - payload.size();
     const uint64_t padding = left >= 8 ? left : 0;
-    const uint64_t headerData = stampBytes(spec) + spec.stuffing + (left - padding);
+    const uint64_t headerData = stampBytes(recipe) + recipe.stuffing + (left - padding);
     const uint64_t length = 3 + headerData + payload.size();
 
-    Bytes pack = packHeader(spec.clock);
+    Bytes pack = packHeader(recipe.clock);
     pack += fromHex("00 00 01");
     pack.push_back(streamId);
-    pack += big(spec.lyingLength.value_or(length), 2);
+    pack += big(recipe.lyingLength.value_or(length), 2);
     pack.push_back(0x81);
-    pack.push_back(spec.pts && spec.dts ? 0xC0 : spec.pts ? 0x80 : 0x00);
-    pack.push_back(spec.lyingHeader.value_or(uint8_t(headerData)));
-    if (spec.pts) pack += timeStamp(spec.dts ? 3 : 2, *spec.pts);
-    if (spec.pts && spec.dts) pack += timeStamp(1, *spec.dts);
-    pack += Bytes(spec.stuffing + (left - padding), 0xFF);
+    pack.push_back(recipe.pts && recipe.dts ? 0xC0 : recipe.pts ? 0x80 : 0x00);
+    pack.push_back(recipe.lyingHeader.value_or(uint8_t(headerData)));
+    if (recipe.pts) pack += timeStamp(recipe.dts ? 3 : 2, *recipe.pts);
+    if (recipe.pts && recipe.dts) pack += timeStamp(1, *recipe.dts);
+    pack += Bytes(recipe.stuffing + (left - padding), 0xFF);
     pack += payload;
     if (padding) pack += fromHex("00 00 01 BE") + big(padding - 6, 2) + Bytes(padding - 6, 0xFF);
     return pack;
 }
 
-Bytes videoPack(const Bytes& payload, const PesSpec& spec)
+Bytes videoPack(const Bytes& payload, const PesSpec& recipe)
 {
-    return pesPack(0xE0, payload, spec);
+    return pesPack(0xE0, payload, recipe);
 }
 
-Bytes privatePack(uint8_t subStreamId, const PesSpec& spec, const Bytes& payload)
+Bytes privatePack(uint8_t subStreamId, const PesSpec& recipe, const Bytes& payload)
 {
     Bytes all(subStreamHeaderBytes(subStreamId), 0);
     all[0] = subStreamId;
     if (all.size() > 1) all[1] = 1;                         // one frame begins,
     if (all.size() > 3) all[3] = all.size() == 7 ? 4 : 1;   // right behind the header
     if (all.size() == 7) put(all, 5, fromHex("01 80"));     // 16 bits, 48 kHz, two channels
-    all += payload.empty() ? Bytes(pesCapacity(spec) - all.size(), FILLER) : payload;
-    return pesPack(0xBD, all, spec);
+    all += payload.empty() ? Bytes(pesCapacity(recipe) - all.size(), FILLER) : payload;
+    return pesPack(0xBD, all, recipe);
 }
 
-Bytes streamPack(uint8_t streamId, uint8_t subStreamId, const PesSpec& spec)
+Bytes streamPack(uint8_t streamId, uint8_t subStreamId, const PesSpec& recipe)
 {
-    if (streamId == 0xBD) return privatePack(subStreamId, spec);
-    return pesPack(streamId, Bytes(pesCapacity(spec), FILLER), spec);
+    if (streamId == 0xBD) return privatePack(subStreamId, recipe);
+    return pesPack(streamId, Bytes(pesCapacity(recipe), FILLER), recipe);
 }
 
 Bytes paddingPack(PackClock clock)
@@ -210,7 +210,7 @@ std::vector<VobuSpec> operator+(std::vector<VobuSpec> first, const std::vector<V
 namespace {
 
 struct Maker {
-    const MovieSpec& spec;
+    const MovieSpec& recipe;
     uint64_t ticks;   // per frame
     Movie movie;
     uint64_t time;   // displayed before this unit, within its VOB
@@ -299,12 +299,12 @@ UnitPlan planUnit(const Maker& maker, const VobuSpec& unit)
     plan.types = pictureTypes(unit);
     plan.temporalRefs = temporalReferences(unit, plan.types);
     plan.duration = unit.duration.value_or(unit.pictures * maker.ticks);
-    const uint64_t display = maker.spec.firstDisplay + maker.time;
+    const uint64_t display = maker.recipe.firstDisplay + maker.time;
     const uint64_t firstRef = plan.temporalRefs.empty() ? 0 : plan.temporalRefs[0];
     if (unit.pts) plan.pts = unit.pts;
     if (!unit.pts && !unit.noPts) plan.pts = display + firstRef * maker.ticks;
     planPictures(plan, unit);
-    for (const StreamSpec& stream : maker.spec.streams) {
+    for (const StreamSpec& stream : maker.recipe.streams) {
         for (uint64_t i = 0; i < stream.packsPerVobu; i++) {
             plan.packs.push_back(
                 { stream.streamId, stream.subStreamId, display + i * plan.duration / stream.packsPerVobu });
@@ -344,7 +344,7 @@ void addUnit(Maker& maker, const VobuSpec& unit)
     const UnitPlan plan = planUnit(maker, unit);
     if (unit.scr) {
         maker.scr = *unit.scr;
-    } else if (!maker.spec.scrStep || unit.newVob) {
+    } else if (!maker.recipe.scrStep || unit.newVob) {
         maker.scr = maker.time;
     }
     const uint64_t packCount = 1 + plan.video.size() + plan.packs.size() + unit.padding;
@@ -352,7 +352,7 @@ void addUnit(Maker& maker, const VobuSpec& unit)
     const uint64_t sector = maker.movie.sectors();
     uint64_t index = 0;
     const auto clock = [&] {
-        const uint64_t step = maker.spec.scrStep ? index * maker.spec.scrStep : index * plan.duration / packCount;
+        const uint64_t step = maker.recipe.scrStep ? index * maker.recipe.scrStep : index * plan.duration / packCount;
         index++;
         return PackClock{ start + step, 0 };
     };
@@ -395,17 +395,17 @@ void addUnit(Maker& maker, const VobuSpec& unit)
     }
     record.lastSector = maker.movie.sectors() - 1;
     maker.movie.vobus.push_back(record);
-    maker.scr = start + index * maker.spec.scrStep;
+    maker.scr = start + index * maker.recipe.scrStep;
     maker.time += plan.duration;
 }
 
 }   // namespace
 
-Movie makeMovie(const MovieSpec& spec)
+Movie makeMovie(const MovieSpec& recipe)
 {
-    Maker maker = { spec, spec.standard == 1 ? uint64_t(3600) : uint64_t(3003), {}, 0, 0, 0 };
-    for (uint64_t i = 0; i < spec.leadingPadding; i++) emit(maker, paddingPack());
-    for (const VobuSpec& unit : spec.vobus) addUnit(maker, unit);
+    Maker maker = { recipe, recipe.standard == 1 ? uint64_t(3600) : uint64_t(3003), {}, 0, 0, 0 };
+    for (uint64_t i = 0; i < recipe.leadingPadding; i++) emit(maker, paddingPack());
+    for (const VobuSpec& unit : recipe.vobus) addUnit(maker, unit);
     return maker.movie;
 }
 

@@ -45,17 +45,17 @@ struct PesSpec {
 
 /** One pack with one PES packet. A payload shorter than the pack is followed by header stuffing (up to 7 bytes) or by a
     padding packet, so that the payload of the packet is exactly what was given. Throws if it does not fit. */
-Bytes pesPack(uint8_t streamId, const Bytes& payload, const PesSpec& spec = {});
+Bytes pesPack(uint8_t streamId, const Bytes& payload, const PesSpec& recipe = {});
 /** Bytes of payload that such a pack holds: 2025 without a PTS, 2020 with one, 2015 with PTS and DTS. */
-uint64_t pesCapacity(const PesSpec& spec = {});
+uint64_t pesCapacity(const PesSpec& recipe = {});
 
 /** Video, stream id 0xE0. */
-Bytes videoPack(const Bytes& payload, const PesSpec& spec = {});
+Bytes videoPack(const Bytes& payload, const PesSpec& recipe = {});
 /** Private stream 1: payload behind a sub-stream header of the kind's length (1 byte of sub-picture, 4 of AC-3, DTS and
     SDDS, 7 of LPCM, 1 of anything else). An empty payload fills the pack. */
-Bytes privatePack(uint8_t subStreamId, const PesSpec& spec = {}, const Bytes& payload = {});
+Bytes privatePack(uint8_t subStreamId, const PesSpec& recipe = {}, const Bytes& payload = {});
 /** Any audio or sub-picture pack, filled: subStreamId counts only for stream id 0xBD. */
-Bytes streamPack(uint8_t streamId, uint8_t subStreamId, const PesSpec& spec = {});
+Bytes streamPack(uint8_t streamId, uint8_t subStreamId, const PesSpec& recipe = {});
 /** Pack header and a padding packet of 2034 bytes. */
 Bytes paddingPack(PackClock clock = {});
 
@@ -149,7 +149,7 @@ struct Movie {
     }
 };
 
-Movie makeMovie(const MovieSpec& spec);
+Movie makeMovie(const MovieSpec& recipe);
 
 // ---- source files -----------------------------------------------------------------------------------------------
 

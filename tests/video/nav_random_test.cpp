@@ -124,34 +124,34 @@ MenuDesc randomMenu(Dice& dice)
 NavSpec randomSpec(uint64_t seed, uint64_t longest, bool isMenu)
 {
     Dice dice(seed);
-    NavSpec spec;
-    spec.standard = dice.oneIn(2) ? STANDARD_PAL : STANDARD_NTSC;
-    spec.audioCount = dice.below(5);
-    spec.subPictureCount = dice.below(3);
-    const uint64_t ticks = spec.standard == STANDARD_PAL ? 3600 : 3003;
-    spec.vobus = randomUnits(dice, 1 + dice.below(longest), ticks, Shape(seed % SHAPES), isMenu);
-    if (!dice.oneIn(10)) spec.packs = randomPacks(dice, spec.vobus, ticks);
-    spec.sectors = spec.vobus.back().sector + 1 + dice.below(4);
-    if (!isMenu) return spec;
-    for (uint64_t n = dice.below(spec.vobus.back().vobId + 2); n > 0; n--) spec.menus.push_back(randomMenu(dice));
-    if (!spec.menus.empty() && dice.oneIn(2)) {
-        spec.menus[0].loopMode = LOOP_FROM;
-        spec.menus[0].loopValue = dice.below(spec.vobus.size() * 12 * ticks / 2);
-        for (VobuRecord& unit : spec.vobus) unit.cellId = unit.scr >= spec.menus[0].loopValue ? 2 : 1;
+    NavSpec given;
+    given.standard = dice.oneIn(2) ? STANDARD_PAL : STANDARD_NTSC;
+    given.audioCount = dice.below(5);
+    given.subPictureCount = dice.below(3);
+    const uint64_t ticks = given.standard == STANDARD_PAL ? 3600 : 3003;
+    given.vobus = randomUnits(dice, 1 + dice.below(longest), ticks, Shape(seed % SHAPES), isMenu);
+    if (!dice.oneIn(10)) given.packs = randomPacks(dice, given.vobus, ticks);
+    given.sectors = given.vobus.back().sector + 1 + dice.below(4);
+    if (!isMenu) return given;
+    for (uint64_t n = dice.below(given.vobus.back().vobId + 2); n > 0; n--) given.menus.push_back(randomMenu(dice));
+    if (!given.menus.empty() && dice.oneIn(2)) {
+        given.menus[0].loopMode = LOOP_FROM;
+        given.menus[0].loopValue = dice.below(given.vobus.size() * 12 * ticks / 2);
+        for (VobuRecord& unit : given.vobus) unit.cellId = unit.scr >= given.menus[0].loopValue ? 2 : 1;
     }
-    return spec;
+    return given;
 }
 
 // The first pack that is not what the rules make of it.
-std::string wrongPacks(const NavSpec& spec, const NavRun& run, bool isMenu)
+std::string wrongPacks(const NavSpec& given, const NavRun& run, bool isMenu)
 {
-    for (uint64_t i = 0; i < spec.vobus.size(); i++) {
-        const auto from = run.before.begin() + std::ptrdiff_t(spec.vobus[i].sector * PACK_BYTES);
+    for (uint64_t i = 0; i < given.vobus.size(); i++) {
+        const auto from = run.before.begin() + std::ptrdiff_t(given.vobus[i].sector * PACK_BYTES);
         const Bytes before(from, from + PACK_BYTES);
-        const Bytes expected = isMenu ? referenceMenuPack(spec, i, before) : referenceTitlePack(spec, i, before);
-        const std::string text = differences(run.packAt(spec.vobus[i].sector), expected);
+        const Bytes expected = isMenu ? referenceMenuPack(given, i, before) : referenceTitlePack(given, i, before);
+        const std::string text = differences(run.packAt(given.vobus[i].sector), expected);
         if (!text.empty())
-            return "unit " + std::to_string(i) + " of " + std::to_string(spec.vobus.size()) + "\n" + text;
+            return "unit " + std::to_string(i) + " of " + std::to_string(given.vobus.size()) + "\n" + text;
     }
     return {};
 }
@@ -159,11 +159,11 @@ std::string wrongPacks(const NavSpec& spec, const NavRun& run, bool isMenu)
 void compareRandom(uint64_t seed, uint64_t longest, bool isMenu)
 {
     SCOPED_TRACE("seed " + std::to_string(seed) + ", " + SHAPE_NAMES[seed % SHAPES]);
-    const NavSpec spec = randomSpec(seed, longest, isMenu);
-    const NavRun run = isMenu ? setupMenu(spec) : setupTitle(spec);
+    const NavSpec given = randomSpec(seed, longest, isMenu);
+    const NavRun run = isMenu ? setupMenu(given) : setupTitle(given);
     EXPECT_EQ(run.result, 0u);
-    EXPECT_EQ(strayChanges(spec, run), "");
-    ASSERT_EQ(wrongPacks(spec, run, isMenu), "");
+    EXPECT_EQ(strayChanges(given, run), "");
+    ASSERT_EQ(wrongPacks(given, run, isMenu), "");
 }
 
 }   // namespace
@@ -194,15 +194,15 @@ TEST(NavRandom, LongTitles)
     for (uint64_t seed = 4002; seed < 4002 + SHAPES && !HasFatalFailure(); seed++) {
         SCOPED_TRACE("seed " + std::to_string(seed) + ", " + SHAPE_NAMES[seed % SHAPES]);
         Dice dice(seed);
-        NavSpec spec;
-        spec.standard = seed % 2 ? STANDARD_PAL : STANDARD_NTSC;
-        spec.audioCount = 2;
-        const uint64_t ticks = spec.standard == STANDARD_PAL ? 3600 : 3003;
-        spec.vobus = randomUnits(dice, 2000, ticks, Shape(seed % SHAPES), false);
-        spec.packs = randomPacks(dice, spec.vobus, ticks);
-        const NavRun run = setupTitle(spec);
+        NavSpec given;
+        given.standard = seed % 2 ? STANDARD_PAL : STANDARD_NTSC;
+        given.audioCount = 2;
+        const uint64_t ticks = given.standard == STANDARD_PAL ? 3600 : 3003;
+        given.vobus = randomUnits(dice, 2000, ticks, Shape(seed % SHAPES), false);
+        given.packs = randomPacks(dice, given.vobus, ticks);
+        const NavRun run = setupTitle(given);
         EXPECT_EQ(run.result, 0u);
-        ASSERT_EQ(wrongPacks(spec, run, false), "");
+        ASSERT_EQ(wrongPacks(given, run, false), "");
     }
 }
 
@@ -226,29 +226,29 @@ TEST(NavRandom, ScannedMovies)
         titleSet->chapterCount = 5;
         for (uint64_t i = 0; i < 5; i++) titleSet->chapters[i].startFrame = int64_t(i * 900000);
 
-        NavSpec spec;
-        spec.standard = movieSpec.standard;
-        spec.audioCount = 2;
-        const ScanSpec scanSpec = { .standard = spec.standard, .titleSet = titleSet.get(), .titleSetNumber = 1 };
+        NavSpec given;
+        given.standard = movieSpec.standard;
+        given.audioCount = 2;
+        const ScanSpec scanSpec = { .standard = given.standard, .titleSet = titleSet.get(), .titleSetNumber = 1 };
         const Scan scan = scanBytes(movie.bytes, scanSpec);
         ASSERT_EQ(scan.result, 0u);
         EXPECT_EQ(describeAll(scan.packs), describeAll(movie.packs));
-        spec.vobus = scan.vobus;
-        spec.packs = scan.packs;
-        spec.sectors = movie.sectors();
+        given.vobus = scan.vobus;
+        given.packs = scan.packs;
+        given.sectors = movie.sectors();
 
         const TempDir folder;
-        const RunRoot root(spec.standard);
+        const RunRoot root(given.standard);
         Sources sources;
         writeSources(sources, folder, movie.bytes, { movie.bytes.size() / 3 + 5, movie.bytes.size() / 2 + 1 });
-        const List<VobuRecord> vobus(spec.vobus);
-        const List<StreamPackRecord> packs(spec.packs);
+        const List<VobuRecord> vobus(given.vobus);
+        const List<StreamPackRecord> packs(given.packs);
         EXPECT_EQ(
-            orvSetupMovieA(root.context.get(), spec.standard, 2, sources.slots, vobus.block, packs.block, nullptr, 0),
+            orvSetupMovieA(root.context.get(), given.standard, 2, sources.slots, vobus.block, packs.block, nullptr, 0),
             0u);
         const NavRun run = { 0, movie.bytes, sources.read() };
-        EXPECT_EQ(strayChanges(spec, run), "");
-        ASSERT_EQ(wrongPacks(spec, run, false), "");
+        EXPECT_EQ(strayChanges(given, run), "");
+        ASSERT_EQ(wrongPacks(given, run, false), "");
         // What was written changes nothing of what a scan finds.
         EXPECT_EQ(describeAll(scanSources(root, sources, scanSpec).vobus), describeAll(scan.vobus));
     }
@@ -268,14 +268,14 @@ double secondsFor(uint64_t units, bool isMenu)
         packs.push_back({ 2 * i + 1, 28800 + 43200 * i, isMenu && i % 2 ? PACK_SUBPICTURE : PACK_AC3, 0,
                           isMenu && i % 2 ? 2 * i : 0, 1 });
     }
-    NavSpec spec;
-    spec.vobus = unitRecords(list);
-    spec.sectors = 2 * units;
+    NavSpec given;
+    given.vobus = unitRecords(list);
+    given.sectors = 2 * units;
     const TempDir folder;
     const RunRoot root(STANDARD_PAL);
     Sources sources;
-    writeSources(sources, folder, Bytes(spec.sectors * PACK_BYTES, 0));
-    const List<VobuRecord> vobus(spec.vobus);
+    writeSources(sources, folder, Bytes(given.sectors * PACK_BYTES, 0));
+    const List<VobuRecord> vobus(given.vobus);
     const List<StreamPackRecord> streamPacks(packs);
     const std::vector<MenuDesc> menus(1, MenuDesc{});
     const auto start = std::chrono::steady_clock::now();

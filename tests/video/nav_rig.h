@@ -54,16 +54,54 @@ struct NavRun {
     std::string words(uint64_t sector, uint64_t at, uint64_t count = 19) const;
 };
 
-/** The stream of a specification: navigation packs full of junk behind their headers, other packs full of other junk.
+/** Packs of the stream. */
+uint64_t sectorsOf(const NavSpec& given);
+/** The stream that these lists describe: navigation packs full of junk behind their headers, other packs full of other
+ * junk.
  */
-Bytes navStream(const NavSpec& spec);
+Bytes navStream(const NavSpec& given);
 /** Fills the packs of a title, or of a menu VOB, in files of their own. */
-NavRun setupTitle(const NavSpec& spec);
-NavRun setupMenu(const NavSpec& spec);
-/** Offsets at which bytes changed that belong to no navigation pack of the specification, or a changed size; empty if
+NavRun setupTitle(const NavSpec& given);
+NavRun setupMenu(const NavSpec& given);
+/** Offsets at which bytes changed that belong to no navigation pack of the lists, or a changed size; empty if
     all is well. */
-std::string strayChanges(const NavSpec& spec, const NavRun& run);
+std::string strayChanges(const NavSpec& given, const NavRun& run);
 
 /** The pack of record `index` as the rules have it, told without any thought of cost. */
-Bytes referenceTitlePack(const NavSpec& spec, uint64_t index, const Bytes& before);
-Bytes referenceMenuPack(const NavSpec& spec, uint64_t index, const Bytes& before);
+Bytes referenceTitlePack(const NavSpec& given, uint64_t index, const Bytes& before);
+Bytes referenceMenuPack(const NavSpec& given, uint64_t index, const Bytes& before);
+
+// ---- lists that several tests fill --------------------------------------------------------------------------------
+
+/** A title of three units at 0, 3 and 7 of nine packs. Display starts at 28800, 72000 and 126000; the last picture ends
+    at 151200. */
+NavSpec threeUnits();
+/** A menu of one unit that displays from 36000 on. */
+NavSpec oneMenu(const MenuDesc& menu, int64_t standard = 1);
+/** A button of which every field differs from every other, and its entry in the pack. */
+ButtonDesc someButton();
+#define SOME_BUTTON "92 32 CD 45 A1 EF 11 12 13 14 20 04 00 00 00 00 00 07"
+/** A menu of so many equal buttons, with these colour sets. */
+MenuDesc menuOf(uint64_t buttonCount, const ButtonDesc& button = someButton());
+#define COLOR_BYTES "C0 C1 C2 C3 C4 C5 C6 C7 C8 C9 CA CB CC CD CE CF D0 D1 D2 D3 D4 D5 D6 D7"
+
+// Search entries that point nowhere.
+#define NONE_4 "3F FF FF FF  3F FF FF FF  3F FF FF FF  3F FF FF FF  "
+#define NONE_16 NONE_4 NONE_4 NONE_4 NONE_4
+#define NONE_18 NONE_16 "3F FF FF FF  3F FF FF FF  "
+
+/** What differs between a pack as it was left and one of these bytes; empty if nothing does. */
+std::string differencesIn(const NavRun& run, uint64_t sector, const std::vector<PackBytes>& named);
+
+#ifndef _WIN32
+// While it lives, this process can't write behind the first `bytes` bytes of any file.
+struct WriteLimit {
+    explicit WriteLimit(uint64_t bytes);
+    ~WriteLimit();
+    WriteLimit(const WriteLimit&) = delete;
+    WriteLimit& operator=(const WriteLimit&) = delete;
+
+    uint64_t before = 0;
+    void (*handler)(int) = nullptr;
+};
+#endif

@@ -41,22 +41,22 @@ uint64_t recordProgress(const DiscContext* context, uint64_t total, uint64_t don
     return log.calls.size() == log.cancelAt ? 0 : 1;
 }
 
-Scan scanSources(const RunRoot& run, const Sources& sources, const ScanSpec& spec)
+Scan scanSources(const RunRoot& run, const Sources& sources, const ScanSpec& given)
 {
     List<VobuRecord> vobus;
     List<StreamPackRecord> packs;
-    const uint64_t result = orvGetMovieInfo(run.context.get(), spec.titleSet, sources.slots, spec.titleSetNumber,
-                                            &vobus.block, spec.wantPacks ? &packs.block : nullptr, nullptr, 0, true);
+    const uint64_t result = orvGetMovieInfo(run.context.get(), given.titleSet, sources.slots, given.titleSetNumber,
+                                            &vobus.block, given.wantPacks ? &packs.block : nullptr, nullptr, 0, true);
     return { result, vobus.records(), packs.records() };
 }
 
-Scan scanBytes(const Bytes& bytes, const ScanSpec& spec)
+Scan scanBytes(const Bytes& bytes, const ScanSpec& given)
 {
     const TempDir folder;
-    const RunRoot run(spec.standard);
+    const RunRoot run(given.standard);
     Sources sources;
-    writeSources(sources, folder, bytes, spec.cuts);
-    return scanSources(run, sources, spec);
+    writeSources(sources, folder, bytes, given.cuts);
+    return scanSources(run, sources, given);
 }
 
 Bytes packOf(const Bytes& before, const std::vector<PackBytes>& named)

@@ -93,9 +93,9 @@ struct ScanSpec {
 };
 
 /** Writes the stream into files and scans them without progress. */
-Scan scanBytes(const Bytes& bytes, const ScanSpec& spec = {});
+Scan scanBytes(const Bytes& bytes, const ScanSpec& given = {});
 /** Scans what lies there. */
-Scan scanSources(const RunRoot& run, const Sources& sources, const ScanSpec& spec = {});
+Scan scanSources(const RunRoot& run, const Sources& sources, const ScanSpec& given = {});
 
 // Bytes at an offset of a pack, as hex text.
 struct PackBytes {

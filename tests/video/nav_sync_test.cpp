@@ -10,11 +10,11 @@ constexpr uint64_t AUDIO = 1433, SUBPICTURE = 1449;
 // One unit at sector 4 that displays from 28800 on, with these packs.
 NavSpec oneUnit(const std::vector<StreamPackRecord>& packs, uint64_t audioCount = 1)
 {
-    NavSpec spec;
-    spec.audioCount = audioCount;
-    spec.vobus = unitRecords({ { .sector = 4, .firstPts = 36000, .temporalRef = 2 } });
-    spec.packs = packs;
-    return spec;
+    NavSpec given;
+    given.audioCount = audioCount;
+    given.vobus = unitRecords({ { .sector = 4, .firstPts = 36000, .temporalRef = 2 } });
+    given.packs = packs;
+    return given;
 }
 
 std::string audio(const std::vector<StreamPackRecord>& packs, uint64_t audioCount = 1)
@@ -31,12 +31,12 @@ std::vector<StreamPackRecord> packAt(int64_t sector)
 // One unit at sector 100 of a menu.
 std::string subPictures(const std::vector<StreamPackRecord>& packs, uint64_t count = 1)
 {
-    NavSpec spec;
-    spec.subPictureCount = count;
-    spec.vobus = unitRecords({ { .sector = 100, .firstPts = 36000 } });
-    spec.menus = { MenuDesc{} };
-    spec.packs = packs;
-    return setupMenu(spec).words(100, SUBPICTURE, count);
+    NavSpec given;
+    given.subPictureCount = count;
+    given.vobus = unitRecords({ { .sector = 100, .firstPts = 36000 } });
+    given.menus = { MenuDesc{} };
+    given.packs = packs;
+    return setupMenu(given).words(100, SUBPICTURE, count);
 }
 
 }   // namespace
@@ -126,27 +126,27 @@ TEST(NavSync, EntriesOfStreamsThatTheTitleHasNot)
 TEST(NavSync, DisplayStartBelowZeroWraps)
 {
     // -3600 as an unsigned time: only a PTS near 2^64 lies before it.
-    NavSpec spec = oneUnit({ { 6, 0, PACK_AC3, 0, 0, 1 }, { 7, 50000, PACK_AC3, 0, 0, 1 } });
-    spec.vobus[0].firstPts = 3600;
-    EXPECT_EQ(setupTitle(spec).hexAt(4, AUDIO, 2), "00 00");
-    spec.packs = { { 6, 0xFFFFFFFFFFFFF000, PACK_AC3, 0, 0, 1 }, { 7, 0xFFFFFFFFFFFFFF00, PACK_AC3, 0, 0, 1 } };
-    EXPECT_EQ(setupTitle(spec).hexAt(4, AUDIO, 2), "00 02");
+    NavSpec given = oneUnit({ { 6, 0, PACK_AC3, 0, 0, 1 }, { 7, 50000, PACK_AC3, 0, 0, 1 } });
+    given.vobus[0].firstPts = 3600;
+    EXPECT_EQ(setupTitle(given).hexAt(4, AUDIO, 2), "00 00");
+    given.packs = { { 6, 0xFFFFFFFFFFFFF000, PACK_AC3, 0, 0, 1 }, { 7, 0xFFFFFFFFFFFFFF00, PACK_AC3, 0, 0, 1 } };
+    EXPECT_EQ(setupTitle(given).hexAt(4, AUDIO, 2), "00 02");
 }
 
 TEST(NavSync, MenusHaveAudioToo)
 {
-    NavSpec spec = oneUnit(packAt(6), 2);
-    spec.menus = { MenuDesc{} };
-    EXPECT_EQ(setupMenu(spec).hexAt(4, AUDIO, 4), "00 02 00 00");
+    NavSpec given = oneUnit(packAt(6), 2);
+    given.menus = { MenuDesc{} };
+    EXPECT_EQ(setupMenu(given).hexAt(4, AUDIO, 4), "00 02 00 00");
 }
 
 // ---- sub-pictures ------------------------------------------------------------------------------------------------
 
 TEST(NavSync, TitleLeavesSubPicturesCleared)
 {
-    NavSpec spec = oneUnit({ { 2, 100, PACK_SUBPICTURE, 0, 0, 1 }, { 3, 100, PACK_SUBPICTURE, 0, 0, 1 } });
-    spec.subPictureCount = 2;   // of no meaning to a title
-    EXPECT_EQ(setupTitle(spec).hexAt(4, SUBPICTURE, 128), toHex(Bytes(128, 0)));
+    NavSpec given = oneUnit({ { 2, 100, PACK_SUBPICTURE, 0, 0, 1 }, { 3, 100, PACK_SUBPICTURE, 0, 0, 1 } });
+    given.subPictureCount = 2;   // of no meaning to a title
+    EXPECT_EQ(setupTitle(given).hexAt(4, SUBPICTURE, 128), toHex(Bytes(128, 0)));
 }
 
 TEST(NavSync, SubPictureOfTheSameOrAnEarlierUnit)
