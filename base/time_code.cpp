@@ -33,7 +33,7 @@ uint32_t component(int64_t offset, double value, int64_t low, int64_t high)
 DvdTimeCode orvFramesToTime(int64_t videoStandard, uint64_t frames)
 {
     if (videoStandard != STANDARD_PAL && videoStandard != STANDARD_NTSC) return {};
-    const uint64_t rate = videoStandard == STANDARD_PAL ? 25 : 30;
+    const uint64_t rate = videoStandard == STANDARD_PAL ? FRAMES_PAL : FRAMES_NTSC;
     const uint8_t flag = videoStandard == STANDARD_PAL ? RATE_25 : RATE_30;
     const uint64_t seconds = frames / rate;
     return { { toBcd(seconds / 3600), toBcd(seconds / 60 % 60), toBcd(seconds % 60),
@@ -49,8 +49,8 @@ uint64_t orvTimeToFrames(DvdTimeCode time)
 {
     const uint8_t flag = time.bytes[3] & RATE_FLAG;
     const uint64_t frames = fromBcd(time.bytes[3] & uint8_t(~RATE_FLAG));
-    if (flag == RATE_30) return orvTimeToSeconds(time) * 30 + frames;
-    if (flag == RATE_25) return orvTimeToSeconds(time) * 25 + frames;
+    if (flag == RATE_30) return orvTimeToSeconds(time) * FRAMES_NTSC + frames;
+    if (flag == RATE_25) return orvTimeToSeconds(time) * FRAMES_PAL + frames;
     return 0;
 }
 

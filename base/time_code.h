@@ -6,6 +6,7 @@
 inline constexpr int64_t STANDARD_PAL = 1;    // 25 frames per second, a frame is 3600 ticks
 inline constexpr int64_t STANDARD_NTSC = 2;   // 30 nominal frames per second, a frame is 3003 ticks
 inline constexpr uint64_t TICKS_PER_SECOND = 90000;
+inline constexpr uint64_t FRAMES_PAL = 25, FRAMES_NTSC = 30;   // nominal frames of a second
 
 // Four BCD bytes in disc order: hours, minutes, seconds, frames. Bits 7..6 of the frames byte are the rate flag: 01 for
 // 25, 11 for 30 frames per second. Stored on disc as they stand, never swapped.

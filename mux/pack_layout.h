@@ -3,13 +3,12 @@
 #pragma once
 
 #include "base/bytes.h"
+#include "project/model.h"
 
 #include <cstdint>
 
 inline constexpr uint8_t STREAM_SYSTEM_HEADER = 0xBB;
-inline constexpr uint8_t STREAM_PRIVATE_1 = 0xBD;   // AC-3, LPCM, DTS, SDDS, sub-pictures
 inline constexpr uint8_t STREAM_PRIVATE_2 = 0xBF;   // navigation packets
-inline constexpr uint8_t STREAM_AUDIO = 0xC0;       // first MPEG audio stream
 inline constexpr uint8_t STREAM_VIDEO = 0xE0;
 
 // clang-format off

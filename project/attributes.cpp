@@ -35,8 +35,6 @@ constexpr Word AUDIO_FORMATS[] = {
 };
 constexpr WordSet AUDIO_FORMAT_WORDS = { AUDIO_FORMATS, true, ORV_WRONG_AUDIO_TYPE };
 
-constexpr uint64_t PRIVATE_STREAM_1 = 0xBD;
-
 // Ids of a format's first stream. The n-th stream of a domain adds n to the one that counts.
 struct AudioIds {
     int64_t format;
@@ -44,9 +42,9 @@ struct AudioIds {
     uint64_t subStreamId;   // 0: streams are told apart by streamId
 };
 constexpr AudioIds AUDIO_IDS[] = {
-    { AUDIO_AC3, PRIVATE_STREAM_1, 0x80 },  { AUDIO_LAYER2, 0xC0, 0 },
-    { AUDIO_PCM, PRIVATE_STREAM_1, 0xA0 },  { AUDIO_DTS, PRIVATE_STREAM_1, 0x88 },
-    { AUDIO_SDDS, PRIVATE_STREAM_1, 0x90 },
+    { AUDIO_AC3, STREAM_PRIVATE_1, 0x80 },  { AUDIO_LAYER2, STREAM_AUDIO, 0 },
+    { AUDIO_PCM, STREAM_PRIVATE_1, 0xA0 },  { AUDIO_DTS, STREAM_PRIVATE_1, 0x88 },
+    { AUDIO_SDDS, STREAM_PRIVATE_1, 0x90 },
 };
 
 // An integer key with its code on the disc. 0, which is also a missing key, stands for the first row.

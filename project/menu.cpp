@@ -113,7 +113,7 @@ uint64_t readPlayTime(const Section& section, int64_t standard, MenuDesc* menu)
     if (const uint64_t error = orvReadNumber(run, &cursor, secondSlot, &second)) return error;
     if (const uint64_t error = orvReadSeparator(run, &cursor, TOKEN_DOT, secondSlot)) return error;
     if (const uint64_t error = orvReadNumber(run, &cursor, frameSlot, &frame)) return error;
-    const uint64_t rate = standard == STANDARD_PAL ? 25 : 30;
+    const uint64_t rate = standard == STANDARD_PAL ? FRAMES_PAL : FRAMES_NTSC;
     menu->playFrames = ((hour * 60 + minute) * 60 + second) * rate + frame;
     return 0;
 }

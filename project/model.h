@@ -30,6 +30,10 @@ struct RunHead {
     uint64_t titleSetCount;   // 1..99
 };
 
+// MPEG stream ids that the model and the packs of a stream have in common.
+inline constexpr uint8_t STREAM_PRIVATE_1 = 0xBD;   // AC-3, LPCM, DTS, SDDS, sub-pictures
+inline constexpr uint8_t STREAM_AUDIO = 0xC0;       // first MPEG audio stream
+
 struct AudioStreamDesc {
     int64_t audioFormat;       // the IFO's coding values: AUDIO_...; -1 none
     uint64_t quantization;     // 0: 16 bits, 1: 20, 2: 24

@@ -1,17 +1,11 @@
 // text.cpp: narrow text (UTF-8), the system's error texts and its path separator.
 #include "base/posix/posix.h"
 
-#include "base/platform.h"
 #include "base/result.h"
 #include "base/strings.h"
 
 #include <algorithm>
 #include <cstring>
-
-uint64_t osMemoryError()
-{
-    return ENOMEM;
-}
 
 char16_t osPathSeparator()
 {

@@ -2,7 +2,6 @@
 #include "base/win32/win32.h"
 
 #include "base/files.h"
-#include "base/platform.h"
 #include "base/result.h"
 #include "base/strings.h"
 
@@ -13,11 +12,6 @@ namespace {
 
 constexpr DWORD USER_LANGUAGE = 1024;
 
-}
-
-uint64_t osMemoryError()
-{
-    return ERROR_NOT_ENOUGH_MEMORY;
 }
 
 char16_t osPathSeparator()
