@@ -12,8 +12,9 @@
 namespace {
 
 // How the units of a random list follow one another.
-enum Shape { RISING, OVERLAPPING, HOLES, FALLING_BACK, BELOW_ZERO, STILL_CLOCKS, SHAPES };
-const char* const SHAPE_NAMES[] = { "rising", "overlapping", "holes", "falling back", "below zero", "equal times" };
+enum Shape { RISING, OVERLAPPING, HOLES, FALLING_BACK, BELOW_ZERO, STILL_CLOCKS, LATE_CLOCKS, SHAPES };
+const char* const SHAPE_NAMES[] = { "rising",     "overlapping", "holes",     "falling back",
+                                    "below zero", "equal times", "late times" };
 
 struct Dice {
     std::mt19937_64 engine;
@@ -48,6 +49,8 @@ std::vector<VobuRecord> randomUnits(Dice& dice, uint64_t count, uint64_t ticks, 
     unit.vobId = dice.oneIn(8) ? 0 : 1;
     const uint64_t cellLength = 1 + dice.below(count), vobLength = 1 + dice.below(count);
     uint64_t start = shape == BELOW_ZERO ? dice.below(3) * 1000 : dice.below(100000);
+    // Where 32 bits change their sign, and where they end.
+    if (shape == LATE_CLOCKS) start = (dice.oneIn(2) ? 0x80000000 : 0x100000000) - dice.below(count * 20 * ticks);
     for (uint64_t i = 0; i < count; i++) {
         if (i && dice.oneIn(cellLength)) unit.cellId = isMenu ? 1 + dice.below(3) : unit.cellId + 1;
         if (i && dice.oneIn(vobLength)) {
@@ -60,6 +63,7 @@ std::vector<VobuRecord> randomUnits(Dice& dice, uint64_t count, uint64_t ticks, 
         unit.temporalRef = dice.below(4);
         if (shape == BELOW_ZERO && dice.oneIn(3)) unit.temporalRef = dice.below(60);
         unit.firstPts = start + (shape == BELOW_ZERO ? 0 : unit.temporalRef * ticks);
+        if (shape == LATE_CLOCKS) unit.firstPts = uint64_t(int64_t(int32_t(uint32_t(unit.firstPts))));
         uint64_t* const ends[] = { &unit.firstRefEnd, &unit.secondRefEnd, &unit.thirdRefEnd };
         for (uint64_t* end : ends) *end = dice.below(4);
         units.push_back(unit);
