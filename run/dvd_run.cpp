@@ -72,8 +72,8 @@ static uint64_t runDvd(const DvdRun* run)
 
     OsProfile* file = nullptr;
     uint64_t result = osOpenProfile(run->projectPath, &file);
-    // A failed run keeps its model, there is no clean-up on that path: only a finished run, and one of no known standard,
-    // release it.
+    // A failed run keeps its model, there is no clean-up on that path: only a finished run, and one of no known
+    // standard, release it.
     if (!result) result = runStages(&context, file, run);
     osCloseProfile(&file);
     return result;
