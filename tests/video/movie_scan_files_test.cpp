@@ -144,6 +144,41 @@ TEST(MovieScanFiles, CutOnAPacksBorder)
     }
 }
 
+TEST(MovieScanFiles, AnyNumberOfPacks)
+{
+    // One unit a pack. 512 packs are a mebibyte, a likely size of a read.
+    for (const uint64_t packs : { 1u, 2u, 511u, 512u, 513u, 1024u, 1025u }) {
+        SCOPED_TRACE(packs);
+        Bytes stream;
+        for (uint64_t i = 0; i < packs; i++) stream += navPack({ i, 0 });
+        for (const std::vector<uint64_t>& cuts : { std::vector<uint64_t>{}, { 1000 }, { stream.size() - 2047 } }) {
+            const Scan scan = scanBytes(stream, { .cuts = cuts });
+            EXPECT_EQ(scan.result, 0u);
+            ASSERT_EQ(scan.vobus.size(), packs);
+            for (uint64_t i = 0; i < packs; i++) ASSERT_EQ(scan.vobus[i].scr, i);
+            EXPECT_EQ(scan.vobus.back().lastSector, packs - 1);
+        }
+    }
+}
+
+TEST(MovieScanFiles, LargeFilesCutAtOddBytes)
+{
+    const Movie movie = makeMovie({ .vobus = vobus(140), .streams = { ac3Stream() } });
+    const uint64_t mebibyte = 1 << 20;
+    ASSERT_GT(movie.bytes.size(), 3 * mebibyte);
+    for (const std::vector<uint64_t>& cuts : { std::vector<uint64_t>{ 5 },
+                                               { mebibyte - 1 },
+                                               { mebibyte },
+                                               { mebibyte + 1 },
+                                               { mebibyte + 777, 2 * mebibyte + 3001 } }) {
+        SCOPED_TRACE(::testing::PrintToString(cuts));
+        const Scan scan = scanBytes(movie.bytes, { .cuts = cuts });
+        EXPECT_EQ(scan.result, 0u);
+        EXPECT_EQ(describeAll(scan.vobus), describeAll(movie.vobus));
+        EXPECT_EQ(describeAll(scan.packs), describeAll(movie.packs));
+    }
+}
+
 TEST(MovieScanFiles, ShortLastPackIsDropped)
 {
     const Movie movie = smallMovie();

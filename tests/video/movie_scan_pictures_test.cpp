@@ -221,30 +221,39 @@ TEST(MovieScanPictures, PacksWithoutPayloadChangeNothing)
 TEST(MovieScanPictures, LengthPastThePackIsCutAtItsEnd)
 {
     const Bytes header = pictureHeader(8, 1);
-    const PesSpec lying = { .clock = {}, .lyingLength = 0xFFFF };
-    // Inside the pack, and straddling its end: 2025 bytes of payload.
-    EXPECT_EQ(picturesOf(navPack({ 1, 0 }) + videoPack(Bytes(2000, FILLER) + header + Bytes(19, FILLER), lying) +
-                         videoPack(REST)),
-              "1 refs 0 0 0 tref 8");
-    for (uint64_t cut = 1; cut < 6; cut++) {
-        SCOPED_TRACE(cut);
-        EXPECT_EQ(picturesOf(navPack({ 1, 0 }) + videoPack(Bytes(2025 - cut, FILLER) + slice(header, 0, cut), lying) +
-                             videoPack(slice(header, cut, 6) + REST)),
+    for (const bool withPts : { false, true }) {
+        PesSpec lying = { .clock = {}, .lyingLength = 0xFFFF };
+        if (withPts) lying.pts = 5;
+        const uint64_t room = pesCapacity(lying);
+        // Inside the pack, and straddling its end.
+        EXPECT_EQ(picturesOf(navPack({ 1, 0 }) +
+                             videoPack(Bytes(room - 25, FILLER) + header + Bytes(19, FILLER), lying) + videoPack(REST)),
                   "1 refs 0 0 0 tref 8");
+        for (uint64_t cut = 1; cut < 6; cut++) {
+            SCOPED_TRACE(cut);
+            EXPECT_EQ(picturesOf(navPack({ 1, 0 }) +
+                                 videoPack(Bytes(room - cut, FILLER) + slice(header, 0, cut), lying) +
+                                 videoPack(slice(header, cut, 6) + REST)),
+                      "1 refs 0 0 0 tref 8");
+        }
     }
 }
 
 TEST(MovieScanPictures, NothingBehindTheLengthIsSeen)
 {
-    // 3 + 0 + 100 bytes: the picture at 200 lies behind them, the two zeros at 98 are the last two.
-    const PesSpec lying = { .clock = {}, .lyingLength = 103 };
-    Bytes payload(2025, FILLER);
-    const Bytes hidden = picture(50, 3, 1);
-    std::copy(hidden.begin(), hidden.end(), payload.begin() + 200);
-    EXPECT_EQ(picturesOf(navPack({ 1, 0 }) + videoPack(payload, lying) + videoPack(REST)), "0 refs 0 0 0 tref 0");
-    payload[98] = payload[99] = 0;
-    EXPECT_EQ(picturesOf(navPack({ 1, 0 }) + videoPack(payload, lying) + videoPack(fromHex("01 00 01 4F") + REST)),
-              "1 refs 0 0 0 tref 5");
+    // 100 bytes of payload: the picture at 200 lies behind them, the two zeros at 98 are the last two.
+    for (const bool withPts : { false, true }) {
+        SCOPED_TRACE(withPts);
+        PesSpec lying = { .clock = {}, .lyingLength = 103 };
+        if (withPts) lying = { .clock = {}, .pts = 5, .lyingLength = 108 };
+        Bytes payload(pesCapacity(lying), FILLER);
+        const Bytes hidden = picture(50, 3, 1);
+        std::copy(hidden.begin(), hidden.end(), payload.begin() + 200);
+        EXPECT_EQ(picturesOf(navPack({ 1, 0 }) + videoPack(payload, lying) + videoPack(REST)), "0 refs 0 0 0 tref 0");
+        payload[98] = payload[99] = 0;
+        EXPECT_EQ(picturesOf(navPack({ 1, 0 }) + videoPack(payload, lying) + videoPack(fromHex("01 00 01 4F") + REST)),
+                  "1 refs 0 0 0 tref 5");
+    }
 }
 
 TEST(MovieScanPictures, LengthsThatLeaveNoPayload)
@@ -356,7 +365,10 @@ TEST(MovieScanPictures, RandomPayloads)
                 if (random() % 8 == 0) stream += privatePack(0x80);
                 const Bytes payload = randomPayload(random, random() % 4 ? longest : 7);
                 reference.addPayload(payload, stream.size() / PACK_BYTES);
-                stream += videoPack(payload);
+                PesSpec pes = { .clock = {}, .stuffing = random() % 3 };
+                if (random() % 4 == 0 && payload.size() < 2000) pes.pts = 1 + random() % 1000;
+                if (payload.size() > pesCapacity(pes)) pes = {};
+                stream += videoPack(payload, pes);
             }
             expected.push_back(reference.record);
         }

@@ -99,6 +99,22 @@ TEST(NavMovie, ListEndsBeforeTheStream)
     }
 }
 
+TEST(NavMovie, AllSlotsEndBeforeTheStream)
+{
+    // Thirty-two files of a pack each, and a thirty-third unit behind them all.
+    NavSpec given;
+    given.vobus = evenUnits(33, 28800);
+    given.sectors = 32;
+    for (uint64_t i = 1; i < 32; i++) given.cuts.push_back(2048 * i);
+    const NavRun run = setupTitle(given);
+    EXPECT_EQ(run.result, 0u);
+    for (uint64_t i = 0; i < 32; i++) {
+        const Bytes before(run.before.begin() + std::ptrdiff_t(i * 2048),
+                           run.before.begin() + std::ptrdiff_t(i * 2048 + 2048));
+        EXPECT_EQ(differences(run.packAt(i), referenceTitlePack(given, i, before)), "") << i;
+    }
+}
+
 // ---- progress ----------------------------------------------------------------------------------------------------
 
 namespace {
