@@ -1,4 +1,5 @@
-# What needs a system that says so: a source on read-only media, a file that vanishes within a call.
+# What needs a system that says so: a source on read-only media, a file that vanishes within a call,
+# paths longer than other systems take.
 if(UNIX)
   file(GLOB platform_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/posix/*.cpp)
   target_sources(run_tests PRIVATE ${platform_sources})

@@ -45,27 +45,6 @@ TEST(Target, MissingFolderIsNotMade)
     EXPECT_FALSE(fileExists(missing));
 }
 
-// A path that the formatter would have to cut names another file than it says: none is written.
-TEST(Target, PathsPastTheFormattersRoom)
-{
-    for (const size_t length : { 1010u, 1011u, 1012u, 1020u, 1030u }) {
-        DiscRun run;
-        std::u16string path = run.folder.prefix();
-        while (path.size() + 101 < length) path += std::u16string(100, u'd') + char16_t(fs::path::preferred_separator);
-        path += std::u16string(length - path.size() - 1, u'e');
-        std::error_code error;
-        fs::create_directories(fs::path(path), error);
-        if (error || !fs::is_directory(fs::path(path), error)) GTEST_SKIP() << "the system takes no such path";
-        run.put("VTS_01_1.VOB", fourUnits().bytes);
-        const std::string project = plainProject(run, 1);
-        run.target = path + char16_t(fs::path::preferred_separator);
-        // VTS_01_0.IFO is 12 characters long, and a path holds at most 1023.
-        EXPECT_EQ(run.target.size() + 12 <= 1023 ? 0u : 0x840007DBu, run.author(project)) << length;
-        const bool written = !fs::is_empty(fs::path(path));
-        EXPECT_EQ(run.target.size() + 12 <= 1023, written) << length;
-    }
-}
-
 TEST(Target, AFileInPlaceOfTheFolder)
 {
     DiscRun run;
