@@ -24,7 +24,7 @@ constexpr uint64_t FIRST_FAR = 15;                          // from this distanc
 constexpr uint64_t FIRST_MARKING = 14, LAST_MARKING = 17;   // distances whose hit marks the next distance as passed
 constexpr uint64_t LONGEST = DISTANCES[SEARCH_DISTANCES - 1];
 
-bool orvSameCell(const VobuRecord* a, const VobuRecord* b)
+static bool sameCell(const VobuRecord* a, const VobuRecord* b)
 {
     return a->vobId == b->vobId && a->cellId == b->cellId;
 }
@@ -67,8 +67,7 @@ static void beginRun(VobuSearch* search, uint64_t index)
     search->runBegin = search->sorted ? index : 0;
     search->runEnd = search->sorted ? index : search->count;
     search->rising = search->sorted;
-    while (search->runEnd < search->count &&
-           orvSameCell(search->list + search->runEnd, search->list + search->runBegin)) {
+    while (search->runEnd < search->count && sameCell(search->list + search->runEnd, search->list + search->runBegin)) {
         const uint64_t start = startOf(search, search->runEnd);
         const bool wraps = int64_t(start) < 0 || int64_t(endOf(search, search->runEnd)) < int64_t(start);
         const bool falls = search->runEnd > search->runBegin && start < startOf(search, search->runEnd - 1);
@@ -95,7 +94,7 @@ void orvStepSearch(VobuSearch* search, uint64_t index)
 /** Whether the display span of a record holds a time. Times are unsigned: one before 0 wraps and is held by none. */
 static bool holds(const VobuSearch* search, uint64_t index, uint64_t time)
 {
-    return orvSameCell(search->list + index, search->list + search->index) && startOf(search, index) <= time &&
+    return sameCell(search->list + index, search->list + search->index) && startOf(search, index) <= time &&
            time < endOf(search, index);
 }
 
@@ -152,8 +151,8 @@ static uint32_t neighbour(uint64_t sectors)
 void orvFillSearch(const VobuSearch* search, uint8_t* pack)
 {
     const VobuRecord* record = search->list + search->index;
-    const bool hasNext = search->index + 1 < search->count && orvSameCell(record, record + 1);
-    const bool hasPrevious = search->index > 0 && orvSameCell(record, record - 1);
+    const bool hasNext = search->index + 1 < search->count && sameCell(record, record + 1);
+    const bool hasPrevious = search->index > 0 && sameCell(record, record - 1);
     const uint32_t next = hasNext ? neighbour(record[1].sector - record->sector) : POINTER_NONE;
     const uint32_t previous = hasPrevious ? neighbour(record->sector - record[-1].sector) : POINTER_NONE;
 

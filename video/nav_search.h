@@ -27,8 +27,6 @@ void orvBeginSearch(VobuSearch* search, const VobuRecord* list, uint64_t ticksPe
 /** Makes index the current record; called with 0, 1, 2 ... in order. */
 void orvStepSearch(VobuSearch* search, uint64_t index);
 
-/** Whether two records belong to one cell. */
-[[nodiscard]] bool orvSameCell(const VobuRecord* a, const VobuRecord* b);
 /** Sector of the last record before the first whose cell number is larger. */
 [[nodiscard]] uint64_t orvLastSectorOfCell(const VobuRecord* list, uint64_t cellId);
 

@@ -4,6 +4,7 @@
 
 #include "base/result.h"
 #include "base/strings.h"
+#include "tests/base/profile_cases.h"
 #include "tests/support/files.h"
 
 #include <gtest/gtest.h>
@@ -13,20 +14,6 @@
 #include <sys/stat.h>
 
 using namespace std::string_literals;
-
-static OsProfile* openProfile(const std::u16string& path)
-{
-    OsProfile* profile = nullptr;
-    EXPECT_EQ(osOpenProfile(path.c_str(), &profile), 0u);
-    return profile;
-}
-
-struct ProfileCase {
-    const char* what;
-    std::string file;
-    std::u16string text;   // of key "k" in section "a"
-    uint32_t number;       // of the same, 77 if the key is missing
-};
 
 static const ProfileCase CASES[] = {
     { "UTF-8 without a mark", "[a]\nk=\xE2\x82\xAC\n", u"\u20AC", 0 },
@@ -61,16 +48,7 @@ static const ProfileCase CASES[] = {
 
 TEST(ProfilePosix, Values)
 {
-    for (const ProfileCase& row : CASES) {
-        const TempDir dir;
-        writeFile(dir / u"project.ini", row.file);
-        OsProfile* profile = openProfile(dir / u"project.ini");
-        char16_t buffer[100];
-        EXPECT_EQ(osProfileString(profile, u"a", u"k", buffer, 100), row.text.size()) << row.what;
-        EXPECT_EQ(std::u16string(buffer), row.text) << row.what;
-        EXPECT_EQ(osProfileInt(profile, u"a", u"k", 77), row.number) << row.what;
-        osCloseProfile(&profile);
-    }
+    for (const ProfileCase& row : CASES) expectProfileCase(row);
 }
 
 TEST(ProfilePosix, QuotesGoBeforeTheCut)
