@@ -97,6 +97,17 @@ struct MenuDesc {
     ButtonDesc buttons[MAX_BUTTONS];
 };
 
+// One still picture of a DVD-Audio disc.
+struct StillDesc {
+    char16_t* background;         // video asset
+    char16_t* subPicture;         // bitmap; null: none
+    uint64_t hasSubPicture;       // 1: the still has a sub-picture, and with it a highlight
+    uint64_t subPictureSectors;   // packs of the encoded sub-picture; set by the multiplexer
+    uint8_t colorSets[COLOR_SETS][COLOR_SET_BYTES];
+    uint64_t buttonCount;
+    ButtonDesc buttons[MAX_BUTTONS];
+};
+
 struct ChapterDesc {
     int64_t startFrame;        // position of the chapter, in SCR ticks, in spite of its name
     int64_t menuPage;          // program chain of the menu that the menu key shows

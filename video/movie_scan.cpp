@@ -10,7 +10,7 @@
 #include "base/time_code.h"
 #include "mux/pack_layout.h"
 #include "mux/pack_read.h"
-#include "video/nav_layout.h"
+#include "mux/nav_layout.h"
 #include "video/pack_source.h"
 
 #include <cstring>

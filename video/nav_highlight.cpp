@@ -5,7 +5,7 @@
 #include "base/memory.h"
 #include "base/time_code.h"
 #include "project/commands.h"
-#include "video/nav_layout.h"
+#include "mux/nav_layout.h"
 
 constexpr uint64_t HLI_NONE = 0, HLI_NEW = 1, HLI_AS_BEFORE = 2;
 constexpr uint64_t NEVER = 0xFFFFFFFF;

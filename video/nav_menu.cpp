@@ -5,7 +5,7 @@
 #include "base/memory.h"
 #include "base/result.h"
 #include "video/nav_highlight.h"
-#include "video/nav_layout.h"
+#include "mux/nav_layout.h"
 #include "video/nav_pack.h"
 #include "video/nav_search.h"
 #include "video/nav_setup.h"

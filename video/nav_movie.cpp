@@ -4,7 +4,7 @@
 #include "base/log.h"
 #include "base/memory.h"
 #include "base/result.h"
-#include "video/nav_layout.h"
+#include "mux/nav_layout.h"
 #include "video/nav_pack.h"
 #include "video/nav_search.h"
 #include "video/nav_setup.h"

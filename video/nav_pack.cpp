@@ -3,7 +3,7 @@
 #include "video/nav_pack.h"
 
 #include "base/memory.h"
-#include "video/nav_layout.h"
+#include "mux/nav_layout.h"
 
 constexpr uint64_t SHORT_UNIT_PICTURES = 10;
 constexpr uint64_t SHORT_UNIT_FRAMES = 12;

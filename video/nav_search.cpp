@@ -4,7 +4,7 @@
 
 #include "base/memory.h"
 #include "base/time_code.h"
-#include "video/nav_layout.h"
+#include "mux/nav_layout.h"
 
 // A search pointer: distance in sectors, and in its top bits what there is at the place.
 constexpr uint32_t POINTER_DISTANCE = 0x3FFFFFFF;

@@ -1,7 +1,7 @@
 // nav_sync.h: the sync entries of a navigation pack: where the audio and the sub-pictures lie that belong to its unit.
 #pragma once
 
-#include "video/nav_layout.h"
+#include "mux/nav_layout.h"
 #include "video/vobu_record.h"
 
 #include <cstdint>
