@@ -4,7 +4,7 @@
 
 #include "base/memory.h"
 #include "base/time_code.h"
-#include "project/commands.h"
+#include "mux/button_entry.h"
 #include "mux/nav_layout.h"
 
 constexpr uint64_t HLI_NONE = 0, HLI_NEW = 1, HLI_AS_BEFORE = 2;
@@ -35,26 +35,11 @@ void orvBeginHighlight(Highlight* highlight, const MenuDesc* menus, uint64_t men
     if (osListCount(list) > 0) highlight->startPts = list[0].firstPts;
 }
 
-/** A coordinate pair of a button, across byte borders. top goes to the two bits above. */
-static void putPair(uint8_t* to, uint64_t top, uint64_t start, uint64_t end)
-{
-    to[0] = uint8_t((top & 0x03) << 6 | (start >> 4 & 0x3F));
-    to[1] = uint8_t((start & 0x0F) << 4 | (end >> 8 & 0x03));
-    to[2] = uint8_t(end);
-}
-
 static void putButton(uint8_t* to, const ButtonDesc* button, uint64_t yStart, uint64_t yEnd)
 {
-    putPair(to + BUTTON_X.at, button->color, button->xStart, button->xEnd);
-    putPair(to + BUTTON_Y.at, button->autoAction, yStart, yEnd);
-    orvPut(to, BUTTON_UP, button->upLink);
-    orvPut(to, BUTTON_DOWN, button->downLink);
-    orvPut(to, BUTTON_LEFT, button->leftLink);
-    orvPut(to, BUTTON_RIGHT, button->rightLink);
     // Meant: an unknown command leaves eight zero bytes, and VM_MULTIPLY_REG reaches the disc in spite of its result.
     // Test: NavMenu.CommandOfAButton
-    (void)orvEncodeCommand(to + BUTTON_COMMAND.at, button->command, uint8_t(button->param1), button->param2,
-                           button->param3, 0);
+    (void)orvPutButton(to, button, button->autoAction, yStart, yEnd);
 }
 
 static void putButtons(uint8_t* pack, const MenuDesc* menu, int64_t videoStandard)
