@@ -64,7 +64,8 @@ struct SpuSequence {
 [[nodiscard]] uint64_t orvRleEncodeField(uint8_t** unit, const uint8_t* indexPlane, uint64_t width, uint64_t height,
                                          uint64_t field);
 
-/** Appends the control area to a unit. The offsets count from the unit's start. */
+/** Appends the control area to a unit. The offsets count from the unit's start. videoStandard is not used: the lines
+    of a display area are parameters of its command. */
 [[nodiscard]] uint64_t orvWriteSpuControl(uint8_t** unit, int64_t videoStandard, const SpuSequence* sequences,
                                           uint64_t count, uint64_t controlOffset, uint64_t topFieldOffset,
                                           uint64_t bottomFieldOffset);

@@ -1,0 +1,20 @@
+// menu_box.h: the part of a button's box that lies in the picture.
+#pragma once
+
+#include "project/model.h"
+
+#include <cstdint>
+
+// Lines count from the picture's top. Empty boxes have a width and a height of 0.
+struct MenuBox {
+    uint64_t x, line, width, height;
+    bool leavesPicture;   // part of the button's box lies outside
+};
+
+/** The box of a button: from its start, as large as its inner width and height. */
+[[nodiscard]] MenuBox orvButtonBox(const ButtonDesc* button, int64_t videoStandard);
+/** The same one line lower. */
+[[nodiscard]] MenuBox orvLowerButtonBox(const ButtonDesc* button, int64_t videoStandard);
+
+/** Position of a line's first pixel in a bitmap that is stored bottom line first. */
+[[nodiscard]] uint64_t orvStoredLine(uint64_t line, int64_t videoStandard);
