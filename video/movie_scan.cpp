@@ -8,9 +8,9 @@
 #include "base/memory.h"
 #include "base/result.h"
 #include "base/time_code.h"
+#include "mux/nav_layout.h"
 #include "mux/pack_layout.h"
 #include "mux/pack_read.h"
-#include "mux/nav_layout.h"
 #include "video/pack_source.h"
 
 #include <cstring>

@@ -1,4 +1,5 @@
-// title_set_driver.cpp: authors one title set: scans its sources, fills their navigation packs, writes IFO and backup.
+// title_set_driver.cpp: authors one title set: makes its menus, scans its sources, fills their navigation packs, writes
+// IFO and backup.
 
 #include "base/files.h"
 #include "base/memory.h"
@@ -7,6 +8,7 @@
 #include "project/progress.h"
 #include "video/driver_progress.h"
 #include "video/drivers.h"
+#include "video/menu_stage.h"
 #include "video/movie_scan.h"
 #include "video/nav_setup.h"
 #include "video/vts_ifo.h"
@@ -27,10 +29,43 @@ static uint64_t report(const TitleSetRun* run, uint32_t kind)
     return orvReportProgress(run->context, kind, PROGRESS_WHOLE, run->number) ? ORV_CANCELED : 0;
 }
 
+static const MenuStageTexts MENU_TEXTS = {
+    u"Failed to open file in <CreateVideoTitleset>: %s",
+    ORV_VTSM_VOB_NOT_OPENED,
+    nullptr,
+    u"Video is not animated in <CreateVideoTitleSet>, file: %s",
+    u"Failed to open file in <CreateVideoTitleSet>: %s",
+    u"Failed to open file in <CreateVideoTitleSet>: %s",
+    ORV_MENU_VIDEO_NOT_OPENED,
+};
+
+static uint64_t makeMenuVob(TitleSetRun* run, char16_t* vobPath)
+{
+    MenuStage stage = {};
+    stage.context = run->context;
+    stage.texts = &MENU_TEXTS;
+    stage.menus = run->titleSet->menus;
+    stage.menuCount = run->titleSet->menuCount;
+    stage.audioStreamCount = run->titleSet->menuAttributes.audioStreamCount;
+    stage.progressKind = PROGRESS_TITLE_SET_MENUS;
+    stage.titleSetNumber = run->number;
+    stage.vobPath = vobPath;
+    stage.skipMenu = run->titleSet->skipMenu != 0;
+    if (uint64_t error = osAllocMem(0, &run->menuList)) return error;
+    if (uint64_t error = orvMakeMenuVob(&stage, &run->menuList)) return error;
+    char16_t* const sources[MAX_SOURCES] = { vobPath };
+    return orvCountFilePacks(run->context, sources, &run->menuSectors);
+}
+
 static uint64_t makeMenus(TitleSetRun* run)
 {
-    // Menus are read, checked and described, but their VOBs can't be made yet.
-    return run->titleSet->menuCount ? ORV_COMMAND_NOT_SUPPORTED : 0;
+    if (run->titleSet->menuCount == 0) return 0;
+    char16_t* vobPath = nullptr;
+    uint64_t result = osFormPath(&vobPath, u"%sVTS_%.2d_0.VOB", run->targetPath, run->number);
+    if (result == OS_INVALID_ARGUMENT) result = ORV_VTSM_VOB_NOT_OPENED;
+    if (!result) result = makeMenuVob(run, vobPath);
+    (void)osStrFree(&vobPath);
+    return result;
 }
 
 static bool onOpticalMedia(const TitleSetRun* run)
