@@ -58,6 +58,14 @@ uint64_t orvReadAudioCommon(const RunHead* run, const OsProfile* file, int64_t* 
     return readCommonKeys({ run, file, u"COMMON" }, codes, standard);
 }
 
+uint64_t orvSetStandard(RunHead* head, int64_t standard)
+{
+    if (standard != STANDARD_PAL && standard != STANDARD_NTSC) return ORV_WRONG_VIDEO_FORMAT;
+    head->videoStandard = standard;
+    head->frameTicks = orvFrameTicks(standard);
+    return 0;
+}
+
 uint64_t orvReadFirstPlay(DiscContext* context, const OsProfile* file)
 {
     context->firstPlayCommand = 0;

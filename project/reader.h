@@ -12,6 +12,9 @@
 [[nodiscard]] uint64_t orvReadCommon(const RunHead* run, const OsProfile* file, int64_t* standard);
 /** The same section for a DVD-Audio run: no version, a wrong version and a wrong mode have codes of that run. */
 [[nodiscard]] uint64_t orvReadAudioCommon(const RunHead* run, const OsProfile* file, int64_t* standard);
+/** Takes a video standard into the head of a run, with its frame length. @return 0; ORV_WRONG_VIDEO_FORMAT for one that
+    is neither PAL nor NTSC */
+[[nodiscard]] uint64_t orvSetStandard(RunHead* head, int64_t standard);
 /** Section FIRSTPLAY: the command with which a disc starts. */
 [[nodiscard]] uint64_t orvReadFirstPlay(DiscContext* context, const OsProfile* file);
 /** Section VMG with all title sets and the manager's menus. vmg is the manager's record in the context. */

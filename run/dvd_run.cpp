@@ -3,7 +3,6 @@
 #include "base/profile.h"
 #include "base/result.h"
 #include "base/strings.h"
-#include "base/time_code.h"
 #include "base/wide.h"
 #include "project/model.h"
 #include "project/progress.h"
@@ -21,14 +20,6 @@ struct DvdRun {
     uint64_t progressUser;
     const char16_t* logPath;
 };
-
-static uint64_t setStandard(RunHead* head, int64_t standard)
-{
-    if (standard != STANDARD_PAL && standard != STANDARD_NTSC) return ORV_WRONG_VIDEO_FORMAT;
-    head->videoStandard = standard;
-    head->frameTicks = orvFrameTicks(standard);
-    return 0;
-}
 
 static uint64_t readProject(DiscContext* context, const OsProfile* file)
 {
@@ -52,7 +43,7 @@ static uint64_t runStages(DiscContext** context, const OsProfile* file, const Dv
 {
     int64_t standard = 0;
     if (uint64_t error = orvReadCommon(&(*context)->head, file, &standard)) return error;
-    if (uint64_t error = setStandard(&(*context)->head, standard)) {
+    if (uint64_t error = orvSetStandard(&(*context)->head, standard)) {
         orvFreeDiscContext(context);
         return error;
     }

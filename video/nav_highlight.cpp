@@ -42,19 +42,22 @@ static void putButton(uint8_t* to, const ButtonDesc* button, uint64_t yStart, ui
     (void)orvPutButton(to, button, button->autoAction, yStart, yEnd);
 }
 
+uint64_t orvLetterboxLine(uint64_t line, int64_t videoStandard)
+{
+    return (line * 3 >> 2) + (videoStandard == STANDARD_PAL ? BAR_LINES_PAL : BAR_LINES_NTSC);
+}
+
 static void putButtons(uint8_t* pack, const MenuDesc* menu, int64_t videoStandard)
 {
     uint8_t* table = pack + PCI_BTNIT.at;
     const uint64_t most = menu->hasLetterbox ? BUTTON_GROUP : MAX_BUTTONS;
-    // Letterbox display squeezes the picture to three quarters and centres it.
-    const uint64_t barHeight = videoStandard == STANDARD_PAL ? BAR_LINES_PAL : BAR_LINES_NTSC;
     for (uint64_t i = 0; i < menu->buttonCount && i < most; i++) {
         const ButtonDesc* button = menu->buttons + i;
         putButton(table + i * BUTTON_BYTES, button, button->yStart, button->yEnd);
         if (!menu->hasLetterbox) continue;
         // The second group starts at its own place, however few buttons the first holds.
-        putButton(table + (BUTTON_GROUP + i) * BUTTON_BYTES, button, (button->yStart * 3 >> 2) + barHeight,
-                  (button->yEnd * 3 >> 2) + barHeight);
+        putButton(table + (BUTTON_GROUP + i) * BUTTON_BYTES, button, orvLetterboxLine(button->yStart, videoStandard),
+                  orvLetterboxLine(button->yEnd, videoStandard));
     }
 }
 

@@ -25,3 +25,7 @@ void orvBeginHighlight(Highlight* highlight, const MenuDesc* menus, uint64_t men
                        const VobuRecord* list);
 /** The highlight data of a unit; called for all units in list order. */
 void orvFillHighlight(Highlight* highlight, const VobuRecord* record, uint8_t* pack);
+
+/** Line of the screen on which letterbox display shows a line of the picture, which it squeezes to three quarters and
+    centres. */
+[[nodiscard]] uint64_t orvLetterboxLine(uint64_t line, int64_t videoStandard);

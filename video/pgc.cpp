@@ -34,14 +34,17 @@ static void putStreamControl(uint8_t* pgc, const AttributeSet* attributes, bool 
     if (hasLetterbox) pgc[PGC_SUBP_CONTROL.at + SUBP_LETTERBOX] = LETTERBOX_STREAM;
 }
 
+uint32_t orvPaletteColor(const AttributeSet* attributes, const MenuDesc* menu, uint64_t entry)
+{
+    if (!menu || !menu->hasSubPicture32) return attributes->colorTable[entry];
+    const uint32_t argb = menu->palette[entry];   // alpha in the low byte, then red, green, blue
+    return orvRgbToYCrCb(argb >> 8 & 0xFF, argb >> 16 & 0xFF, argb >> 24);
+}
+
 static void putPalette(uint8_t* pgc, const AttributeSet* attributes, const MenuDesc* menu)
 {
     for (uint64_t i = 0; i < PALETTE_ENTRIES; i++) {
-        uint32_t color = attributes->colorTable[i];   // Y in the low byte, then Cr, Cb
-        if (menu && menu->hasSubPicture32) {
-            const uint32_t argb = menu->palette[i];   // alpha in the low byte, then red, green, blue
-            color = orvRgbToYCrCb(argb >> 8 & 0xFF, argb >> 16 & 0xFF, argb >> 24);
-        }
+        const uint32_t color = orvPaletteColor(attributes, menu, i);
         const uint32_t entry = orvPackColor(uint8_t(color), uint8_t(color >> 8), uint8_t(color >> 16));
         uint8_t* to = pgc + PGC_PALETTE.at + i * PALETTE_BYTES;
         for (uint64_t b = 0; b < PALETTE_BYTES; b++) to[b] = uint8_t(entry >> (8 * b));

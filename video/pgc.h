@@ -11,6 +11,9 @@ inline constexpr uint64_t CELLS_OF_TITLE = 3;
 // A title is VOB 1 of its list, whichever numbers later source files got.
 inline constexpr uint64_t TITLE_VOB = 1;
 
+/** Colour of a palette entry, 0..15, in a menu's chain: luminance in the low byte, then Cr and Cb. menu may be null. */
+[[nodiscard]] uint32_t orvPaletteColor(const AttributeSet* attributes, const MenuDesc* menu, uint64_t entry);
+
 /** Builds the chain of one VOB.
     @param menus         menus[vobId - 1] chooses the palette and the letterbox stream
     @param commandTable  a block that this function frees, or null
