@@ -1,28 +1,8 @@
 // dvdnav_test.cpp: libdvdnav plays authored discs: first play, chapters, and from title to title by the post commands.
 
-#include "tests/readers/material.h"
+#include "tests/readers/player.h"
 
 #include <gtest/gtest.h>
-
-#include <dvdnav/dvdnav.h>
-
-// A player on a disc, closed with the record.
-struct Player {
-    explicit Player(const Disc& disc)
-    {
-        EXPECT_EQ(disc.result, 0u);
-        EXPECT_EQ(dvdnav_open(&nav, disc.root.c_str()), DVDNAV_STATUS_OK);
-        if (nav) dvdnav_set_readahead_flag(nav, 0);
-    }
-    ~Player()
-    {
-        if (nav) dvdnav_close(nav);
-    }
-    Player(const Player&) = delete;
-    Player& operator=(const Player&) = delete;
-
-    dvdnav_t* nav = nullptr;
-};
 
 struct Place {
     int32_t title = 0, chapter = 0;
