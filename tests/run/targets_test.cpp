@@ -1,6 +1,5 @@
-// Targets that cannot be written, and domains with menus.
+// Targets that cannot be written.
 #include "tests/run/disc_run.h"
-#include "tests/video/table_bytes.h"
 
 namespace fs = std::filesystem;
 
@@ -82,52 +81,4 @@ TEST(Target, WithoutTrailingSeparator)
     ASSERT_EQ(0u, run.author(project));
     for (const std::string& name : WRITTEN) EXPECT_TRUE(fileExists(run.folder / toWide("target" + name))) << name;
     EXPECT_EQ(1u, takeSnapshot(run.folder.root / "target").size());
-}
-
-// ---- menus, as long as there is nothing that makes them -----------------------------------------------------------
-//
-// State before menus exist: a domain with menus ends the run with "the given command is not supported" before its VOB
-// is made. These tests go when the menus come.
-
-namespace {
-
-std::string menuSection(const DiscRun& run, const std::string& section)
-{
-    return "[" + section + "]\nbackground=" + run.text("menu.m2v") + "\nsubpicture=" + run.text("menu.bmp") +
-           "\nbuttons=1\nbutton1=10,100,20,200,1,1,1,1,1,BTN_ACTION_JUMP_TT(1,0,0)\n";
-}
-
-}   // namespace
-
-TEST(MenusNotYet, TitleSet)
-{
-    DiscRun run;
-    run.put("VTS_01_1.VOB", fourUnits().bytes);
-    run.put("menu.m2v", fromHex("00 00 01 B3"));
-    const Snapshot before = takeSnapshot(run.folder.root / "target");
-    EXPECT_EQ(0x840007DDu, run.author(plainProject(run, 1) + "menus=1\n" + menuSection(run, "VTS_1_MENU1")));
-    EXPECT_EQ(before, takeSnapshot(run.folder.root / "target"));
-}
-
-TEST(MenusNotYet, SkippedMenusAreNone)
-{
-    DiscRun run;
-    run.put("VTS_01_1.VOB", fourUnits().bytes);
-    run.put("VTS_01_0.VOB", fromHex("01"));
-    ASSERT_EQ(
-        0u, run.author(plainProject(run, 1) + "menus=1\n[VTS_1_MENU]\nskipmenu=1\n" + menuSection(run, "VTS_1_MENU1")));
-    expectAt(run.get("VTS_01_0.IFO"), 192, "00 00 00 00 00 00 00 06", "no menus");
-    EXPECT_EQ(fromHex("01"), run.get("VTS_01_0.VOB"));
-}
-
-TEST(MenusNotYet, Manager)
-{
-    DiscRun run;
-    run.put("VTS_01_1.VOB", fourUnits().bytes);
-    run.put("menu.m2v", fromHex("00 00 01 B3"));
-    std::string project = plainProject(run, 1);
-    project.insert(project.find("titlesets="), "menus=1\n");
-    EXPECT_EQ(0x840007DDu, run.author(project + menuSection(run, "VMG_MENU1")));
-    EXPECT_TRUE(run.has("VTS_01_0.BUP"));   // the title sets are written before
-    for (const char* file : { "VIDEO_TS.VOB", "VIDEO_TS.IFO", "VIDEO_TS.BUP" }) EXPECT_FALSE(run.has(file)) << file;
 }
