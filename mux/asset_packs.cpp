@@ -9,8 +9,9 @@
 
 AssetStream orvOpenAsset(OSFILE file, uint8_t streamId, uint8_t subStreamId)
 {
-    AssetStream stream = { file, 0, streamId, subStreamId };
-    if (osFileSize(file, &stream.left)) stream.left = 0;
+    AssetStream stream = { file, 0, streamId, subStreamId, 0 };
+    stream.failure = osFileSize(file, &stream.left);
+    if (stream.failure) stream.left = 0;
     return stream;
 }
 
@@ -25,7 +26,8 @@ uint64_t orvBuildAssetPack(uint8_t* pack, AssetStream* stream, uint64_t sector, 
 
     // Behind the bytes that are left there may be a padding packet.
     const uint64_t wanted = stream->left < capacity ? stream->left : capacity;
-    uint64_t result = osReadFileSome(stream->file, payload, wanted, &got);
+    uint64_t result = stream->failure;
+    if (!result) result = osReadFileSome(stream->file, payload, wanted, &got);
     if (!result && got == 0 && wanted > 0) result = OS_SHORT_READ;
     stream->left = result ? 0 : stream->left - got;
     return result;
