@@ -24,11 +24,12 @@ uint64_t orvBuildAssetPack(uint8_t* pack, AssetStream* stream, uint64_t sector, 
     orvBuildPes(pack, stream->streamId, stream->subStreamId, pts, dts, &capacity, &subHeaderSize);
     orvPadPack(pack, stream->left, capacity, subHeaderSize, &payload);
 
-    // Behind the bytes that are left there may be a padding packet.
-    const uint64_t wanted = stream->left < capacity ? stream->left : capacity;
+    // Asked for is all that the pack has room for, also of an empty file: it is for the file to say what there is.
+    const uint64_t room = uint64_t(pack + SECTOR_BYTES - payload);
+    const uint64_t wanted = capacity < room ? capacity : room;
     uint64_t result = stream->failure;
     if (!result) result = osReadFileSome(stream->file, payload, wanted, &got);
-    if (!result && got == 0 && wanted > 0) result = OS_SHORT_READ;
-    stream->left = result ? 0 : stream->left - got;
+    if (!result && got == 0 && stream->left > 0) result = OS_SHORT_READ;
+    stream->left = result || got > stream->left ? 0 : stream->left - got;
     return result;
 }
