@@ -69,14 +69,14 @@ TEST(AnimatedMenu, FilesThatCannotBeRead)
     assets.videoMode = OS_APPEND;
     expectFailure(menu, assets, VIDEO_NOT_READ, {});
     expectFailure(looped, assets, VIDEO_NOT_READ, {});
-    assets.video.reset();
-    expectFailure(menu, assets, VIDEO_NOT_READ, {});
-    expectFailure(looped, assets, VIDEO_NOT_READ, {});
+    const MuxAssets noVideo = { .subPicture = part(SUB, 0, 2016) };
+    expectFailure(menu, noVideo, VIDEO_NOT_READ, {});
+    expectFailure(looped, noVideo, VIDEO_NOT_READ, {});
 
-    assets = withVideo(video);
-    assets.subPictureMode = OS_APPEND;
-    expectFailure(menu, assets, SUB_NOT_READ, packsOf(video, 0, 2));
-    expectFailure(looped, assets, SUB_NOT_READ, packsOf(video, 0, 6));
+    MuxAssets unreadable = withVideo(video);
+    unreadable.subPictureMode = OS_APPEND;
+    expectFailure(menu, unreadable, SUB_NOT_READ, packsOf(video, 0, 2));
+    expectFailure(looped, unreadable, SUB_NOT_READ, packsOf(video, 0, 6));
 }
 
 TEST(AnimatedMenu, ALetterboxFormThatCannotBeRead)
@@ -90,24 +90,32 @@ TEST(AnimatedMenu, ALetterboxFormThatCannotBeRead)
     EXPECT_EQ(differences(run.output, packsOf(video, 0, 2) + fullPack(30000)), "");
 }
 
-// Even an empty pack is read for: a file without bytes, or without a file, fails where it can't be read.
 TEST(AnimatedMenu, ASubPictureThatIsNotOpen)
 {
     const Bytes video = animation(FOUR_UNITS);
-    MuxAssets assets = withVideo(video);
-    assets.subPicture.reset();
-    expectFailure(menuWith(1, 0), assets, SUB_NOT_READ, packsOf(video, 0, 2));
-    assets = withVideo(video, 0);
+    const MuxAssets noSub = { .video = video };
+    expectFailure(menuWith(1, 0), noSub, SUB_NOT_READ, packsOf(video, 0, 2));
+    const MuxAssets noLetterbox = withVideo(video);
+    const MenuDesc menu = menuWith(1, 0);
+    const MuxRun run = animatedMenuPair(menu, noLetterbox);
+    EXPECT_EQ(run.result, SUB_NOT_READ);
+    EXPECT_EQ(differences(run.output, packsOf(video, 0, 2) + fullPack(30000)), "");
+
+    uint64_t sector = 3;
+    const MuxRun packs = runDriver({}, [&](const MuxFiles& files) {
+        return orvMuxSubPicturePacks(files.output, files.subPicture, 18000, 0x20, &sector);
+    });
+    EXPECT_EQ(packs.result, SUB_NOT_READ);
+    EXPECT_EQ(packs.output.size(), 0u);
+}
+
+// A pack without payload is read for like any other.
+TEST(AnimatedMenu, AnEmptySubPictureThatCannotBeRead)
+{
+    const Bytes video = animation(FOUR_UNITS);
+    MuxAssets assets = withVideo(video, 0);
     assets.subPictureMode = OS_APPEND;
     expectFailure(menuWith(1, 0), assets, SUB_NOT_READ, packsOf(video, 0, 2));
-
-    const TempDir folder;
-    const OpenFile output(folder, u"menu.vob", {}, OS_CREATE), open(folder, u"video", video),
-        sub(folder, u"sub", part(SUB, 0, 10));
-    const MenuDesc menu = menuWith(1, 0);
-    EXPECT_EQ(orvMuxAnimatedMenuPair(&menu, output.file, open.file, sub.file, 0), SUB_NOT_READ);
-    uint64_t sector = 3;
-    EXPECT_EQ(orvMuxSubPicturePacks(output.file, 0, 18000, 0x20, &sector), SUB_NOT_READ);
 }
 
 // A sub-picture that gives less than its size does not keep the driver for ever.
