@@ -3,6 +3,6 @@
 if(UNIX)
   file(GLOB platform_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/posix/*.cpp)
   target_sources(run_tests PRIVATE ${platform_sources})
-  # posix/system_test.cpp stands in for them.
+  # posix/system.cpp stands in for them.
   target_link_options(run_tests PRIVATE -Wl,--wrap=statvfs,--wrap=open)
 endif()

@@ -1,52 +1,9 @@
 // system_test.cpp: runs on a system that answers as the tests want: a source on read-only media, and a title set's file
 // that is gone when the manager comes back to it.
 #include "tests/run/disc_run.h"
-
-#include <cerrno>
-#include <cstdarg>
-#include <fcntl.h>
-#include <sys/statvfs.h>
+#include "tests/run/posix/system.h"
 
 namespace fs = std::filesystem;
-
-namespace {
-
-bool readOnlyMedia = false;
-std::string vanishing;        // end of the path that is gone ...
-uint64_t opensBeforeIt = 0;   // ... after so many opens
-
-}   // namespace
-
-extern "C" {
-
-int __real_statvfs(const char* path, struct statvfs* info);
-int __real_open(const char* path, int flags, ...);
-int __wrap_statvfs(const char* path, struct statvfs* info);
-int __wrap_open(const char* path, int flags, ...);
-
-int __wrap_statvfs(const char* path, struct statvfs* info)
-{
-    const int result = __real_statvfs(path, info);
-    if (result == 0 && readOnlyMedia) info->f_flag |= ST_RDONLY;
-    return result;
-}
-
-int __wrap_open(const char* path, int flags, ...)
-{
-    va_list arguments;
-    va_start(arguments, flags);
-    const unsigned mode = va_arg(arguments, unsigned);   // the engine hands one always
-    va_end(arguments);
-    if (!vanishing.empty() && std::string(path).ends_with(vanishing) && !(flags & O_CREAT)) {
-        if (opensBeforeIt == 0) {
-            errno = ENOENT;
-            return -1;
-        }
-        opensBeforeIt--;
-    }
-    return __real_open(path, flags, mode);
-}
-}
 
 // A path that the formatter would have to cut names another file than it says: none is written.
 TEST(Target, PathsPastTheFormattersRoom)
@@ -73,9 +30,9 @@ TEST(ReadOnlyMedia, SourceIsScannedAndNotPatched)
     DiscRun patched, untouched;
     for (DiscRun* const run : { &patched, &untouched }) {
         run->put("VTS_01_1.VOB", fourUnits().bytes);
-        readOnlyMedia = run == &untouched;
+        systemAnswers.readOnlyMedia = run == &untouched;
         EXPECT_EQ(0u, run->author(plainProject(*run, 1, "PAL", "chapters=2\nchapter2=40000\n")));
-        readOnlyMedia = false;
+        systemAnswers.readOnlyMedia = false;
     }
     EXPECT_EQ(fourUnits().bytes, untouched.get("VTS_01_1.VOB"));
     EXPECT_NE(fourUnits().bytes, patched.get("VTS_01_1.VOB"));
@@ -91,10 +48,10 @@ TEST(VanishingFile, OpensOfATitleSetsIfo)
     for (uint64_t opens = 0; opens < 4; opens++) {
         DiscRun run;
         run.put("VTS_01_1.VOB", fourUnits().bytes);
-        vanishing = "VTS_01_0.IFO";
-        opensBeforeIt = opens + 1;   // and the copy to the backup
+        systemAnswers.vanishing = "VTS_01_0.IFO";
+        systemAnswers.opensBeforeIt = opens + 1;   // and the copy to the backup
         const uint64_t result = run.author(plainProject(run, 1));
-        vanishing.clear();
+        systemAnswers = {};
         const uint64_t results[] = { 0x840007E4, 0x840007E4, 0x840007D9, 0 };
         EXPECT_EQ(results[opens], result) << opens;
         // In the log it is the reader's own failure each time.
