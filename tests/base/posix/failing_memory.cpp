@@ -4,16 +4,20 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 static uint64_t allocationsUntilFailure = 0;   // 0: none fails
 static bool laterOnesFailToo = false;
 static uint64_t failedAllocations = 0;
 static uint64_t reallocationCount = 0;
+static uint64_t largestSize = 0;
 
-static bool failsNow()
+static bool failsNow(uint64_t size)
 {
+    largestSize = std::max(largestSize, size);
     if (allocationsUntilFailure == 0) return false;
     if (allocationsUntilFailure > 1) {
         allocationsUntilFailure--;
@@ -34,24 +38,24 @@ void* __wrap_realloc(void* memory, size_t size);
 
 void* __wrap_malloc(size_t size)
 {
-    return failsNow() ? nullptr : __real_malloc(size);
+    return failsNow(size) ? nullptr : __real_malloc(size);
 }
 
 void* __wrap_calloc(size_t count, size_t size)
 {
-    return failsNow() ? nullptr : __real_calloc(count, size);
+    return failsNow(count * size) ? nullptr : __real_calloc(count, size);
 }
 
 void* __wrap_realloc(void* memory, size_t size)
 {
     reallocationCount++;
-    return failsNow() ? nullptr : __real_realloc(memory, size);
+    return failsNow(size) ? nullptr : __real_realloc(memory, size);
 }
 }
 
 void* operator new(size_t size)
 {
-    void* memory = failsNow() ? nullptr : __real_malloc(size ? size : 1);
+    void* memory = failsNow(size) ? nullptr : __real_malloc(size ? size : 1);
     if (!memory) throw std::bad_alloc();
     return memory;
 }
@@ -69,6 +73,11 @@ void operator delete(void* memory, size_t) noexcept
 uint64_t reallocations()
 {
     return reallocationCount;
+}
+
+uint64_t largestAllocation()
+{
+    return std::exchange(largestSize, 0);
 }
 
 uint64_t failEveryAllocation(const MemoryStep& step, uint64_t code)

@@ -14,6 +14,9 @@ struct MemoryStep {
 /** Calls of realloc so far. */
 [[nodiscard]] uint64_t reallocations();
 
+/** Bytes of the largest block that was asked for since the call before. */
+[[nodiscard]] uint64_t largestAllocation();
+
 /** Runs a step with its n-th allocation failing, n = 1, 2, ... until no allocation is left to fail; then again with the
     n-th and all later ones failing. Every failed run must give this code. @return failed runs */
 uint64_t failEveryAllocation(const MemoryStep& step, uint64_t code);
