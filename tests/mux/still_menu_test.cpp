@@ -306,6 +306,32 @@ TEST(StillMenu, FailuresAreNotLookedAt)
     }
 }
 
+// A pack whose payload can't be had is written all the same, with zeros in the place of what is missing.
+TEST(StillMenu, WhatIsNotReadIsZero)
+{
+    MuxAssets assets = assetsOf(2012, 2016);
+    assets.videoMode = OS_APPEND;
+    MuxRun run = stillMenu(assets);
+    EXPECT_EQ(differences(part(run.output, PACK_BYTES, PACK_BYTES), packOf(PACK_1 VIDEO_PAL, Bytes(2012, 0))), "");
+    assets.videoMode = OS_READ;
+    assets.subPictureMode = OS_APPEND;
+    run = stillMenu(assets);
+    EXPECT_EQ(differences(part(run.output, 2 * PACK_BYTES, PACK_BYTES), packOf(PACK_2 SUB_FIRST "20", Bytes(2016, 0))),
+              "");
+
+    // A file of 3000 bytes that stands at 2000.
+    const TempDir folder;
+    {
+        const OpenFile output(folder, u"menu.vob", {}, OS_CREATE), video(folder, u"video", part(VIDEO, 0, 3000)),
+            sub(folder, u"sub", part(SUB, 0, 2016));
+        ASSERT_EQ(osSeekFile(video.file, 2000, OS_FROM_START), 0u);
+        EXPECT_EQ(orvMuxStillMenu(output.file, video.file, sub.file, PAL), 0u);
+    }
+    const Bytes expected = placeholder() + packOf(PACK_1 VIDEO_PAL, part(VIDEO, 2000, 1000) + Bytes(1012, 0)) +
+                           packOf(PACK_2 SUB_FIRST "20", part(SUB, 0, 2016));
+    EXPECT_EQ(differences(part(readFile(folder / u"menu.vob"), 0, 3 * PACK_BYTES), expected), "");
+}
+
 TEST(StillMenu, AnOutputThatTakesNothing)
 {
     MuxAssets assets = assetsOf(5000, 5000, 5000);
