@@ -24,20 +24,38 @@ inline constexpr uint64_t CODE_UNKNOWN_CHAR = libraryCode(1000), CODE_WRONG_CHAR
                           CODE_COLON_EXPECTED = libraryCode(1029), CODE_LANGUAGE = libraryCode(1030),
                           CODE_MENU_EXISTENCE = libraryCode(1031), CODE_POST_COMMAND = libraryCode(1032),
                           CODE_NO_SOURCE = libraryCode(1033), CODE_CANCELED = libraryCode(1034),
-                          CODE_AUDIO_STREAMS = libraryCode(1035), CODE_TITLE_SETS = libraryCode(2007),
-                          CODE_NOT_MPEG = libraryCode(2008), CODE_NOT_SUPPORTED = libraryCode(2013),
-                          CODE_CHAPTERS = libraryCode(2016), CODE_OLD_IFO = libraryCode(2020),
-                          CODE_MENU_ASSET = libraryCode(2031), CODE_WRITE_FAILED = libraryCode(4019),
-                          CODE_READ_FAILED = libraryCode(4020);
+                          CODE_AUDIO_STREAMS = libraryCode(1035), CODE_MANAGER_VOB = libraryCode(2003),
+                          CODE_TITLE_SETS = libraryCode(2007), CODE_NOT_MPEG = libraryCode(2008),
+                          CODE_CHAPTERS = libraryCode(2016), CODE_MENU_VOB = libraryCode(2019),
+                          CODE_OLD_IFO = libraryCode(2020), CODE_MENU_MOVIE_ENDS = libraryCode(2022),
+                          CODE_MENU_ASSET = libraryCode(2031), CODE_NOT_8BIT = libraryCode(2033),
+                          CODE_NOT_32BIT = libraryCode(2034), CODE_EMPTY_BUTTON = libraryCode(2037),
+                          CODE_WRITE_FAILED = libraryCode(4019), CODE_READ_FAILED = libraryCode(4020);
 
-inline constexpr uint64_t CODE_NULL_ARGUMENT = libraryCode(87), CODE_TITLE_SET_SKIPPED = libraryCode(1099);
+inline constexpr uint64_t CODE_INVALID_ARGUMENT = libraryCode(87), CODE_TITLE_SET_SKIPPED = libraryCode(1099);
 inline constexpr uint64_t CODE_BASE_ARGUMENT = 0x88010001, CODE_BASE_MEMORY = 0x88010002, CODE_SHORT_READ = 0x88010102;
-inline constexpr uint64_t CODE_NOTHING_SCANNED = 0xFFFFFFFFFFFFFFFD;          // the one result of more than 32 bits, -3
-inline constexpr uint64_t CODE_FILE_NOT_FOUND = 2, CODE_PATH_NOT_FOUND = 3;   // of the platform; 3 on Windows alone
+inline constexpr uint64_t CODE_NOTHING_SCANNED = 0xFFFFFFFFFFFFFFFD;   // the one result of more than 32 bits, -3
+inline constexpr uint64_t CODE_FILE_NOT_FOUND = 2;                     // of both platforms
 
 // A number of the platform: neither the library's nor the base layer's.
 constexpr bool isPlatformCode(uint64_t code)
 {
     const uint64_t family = code & 0xFFFF0000;
     return code != CODE_NOTHING_SCANNED && family != libraryCode(0) && family != 0x88010000;
+}
+
+// Whether a number of the platform may tell that a file can't be opened: not found, not permitted, a folder.
+constexpr bool isUnreadableFile(uint64_t code)
+{
+    switch (code) {   // errno or GetLastError
+    case CODE_FILE_NOT_FOUND:
+    case 3:
+    case 5:
+    case 13:
+    case 20:
+    case 21:
+    case 32:
+    case 123: return true;
+    default: return false;
+    }
 }

@@ -49,7 +49,7 @@ std::string ownText(uint64_t code)
 {
     switch (code) {
     case 0: return "success";
-    case CODE_NULL_ARGUMENT: return "a required argument was null";
+    case CODE_INVALID_ARGUMENT: return "a file has not the form that it should have, or an argument was invalid";
     case CODE_AUDIO_STREAMS: return "more than 8 audio streams";
     case CODE_TITLE_SET_SKIPPED: return "a title set is skipped";
     case CODE_BASE_ARGUMENT: return "an argument was invalid";
@@ -93,8 +93,7 @@ std::string explanation(uint64_t code)
     case 0: return "The run has done all that the project asked for.";
     case CODE_NOTHING_SCANNED:
         return "A title's `source` files must be finished program streams of 2048-byte packs; these are empty or far "
-               "too "
-               "short. Look at the size of the files that the project names.";
+               "too short. Look at the size of the files that the project names.";
     case CODE_SHORT_READ:
         return "A file ended early. Often a bitmap or a stream file is cut: look at the menus' files.";
     case CODE_BASE_ARGUMENT:

@@ -19,6 +19,7 @@ struct RunOutcome {
     uint64_t code;
     std::vector<std::u16string> log;   // halved texts of the entries of this run
     std::filesystem::path target, previous;
+    bool menusOnly = false;   // a preview, which opens the menus' bitmaps and nothing else
 };
 
 /** Finds the first key, in the order of the run's reading, that the library refuses; or the first file named in the
@@ -34,3 +35,7 @@ bool findRefusedKey(ProjectFile&&, uint64_t*, std::u16string*, ProjectFault*) = 
 /** The other half: what is well written but can't be had, such as a file that is missing. */
 bool findUnfitFile(const ProjectFile& file, const RunOutcome& outcome, ProjectFault* fault);
 bool findUnfitFile(ProjectFile&&, const RunOutcome&, ProjectFault*) = delete;
+
+/** Of that the menus' share: their bitmaps, movies and VOBs. */
+bool findUnfitMenu(const ProjectFile& file, const RunOutcome& outcome, ProjectFault* fault);
+bool findUnfitMenu(ProjectFile&&, const RunOutcome&, ProjectFault*) = delete;

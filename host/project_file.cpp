@@ -6,7 +6,7 @@
 #include <fstream>
 #include <iterator>
 
-static constexpr uint64_t MAX_TITLE_SETS = 99;
+static constexpr uint64_t MAX_TITLE_SETS = 99, MAX_MENUS = 99;
 static constexpr size_t SECTION_LIST_ROOM = 1023;   // characters of all section names that the library sees at once
 static constexpr size_t SECTION_LIST_CUT = 1022;    // a list of just this size counts as cut
 
@@ -132,4 +132,15 @@ std::vector<PlannedTitleSet> plannedTitleSets(const ProjectFile& file)
 bool managerHasMenus(const ProjectFile& file)
 {
     return integerOf(findKey(file, u"VMG", u"menus")) != 0;
+}
+
+std::vector<std::u16string> menuSections(const ProjectFile& file, uint64_t titleSet)
+{
+    const std::u16string counted = titleSet ? titleSetSection(file, titleSet) : u"VMG";
+    const std::u16string domain = titleSet ? u"VTS_" + wideOf(std::to_string(titleSet)) + u"_MENU" : u"VMG_MENU";
+    std::vector<std::u16string> sections;
+    if (titleSet && integerOf(findKey(file, domain, u"skipmenu"))) return sections;
+    const uint64_t menus = std::min(integerOf(findKey(file, counted, u"menus")), MAX_MENUS);
+    for (uint64_t i = 1; i <= menus; i++) sections.push_back(domain + wideOf(std::to_string(i)));
+    return sections;
 }

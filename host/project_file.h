@@ -45,3 +45,6 @@ struct PlannedTitleSet {
 
 std::vector<PlannedTitleSet> plannedTitleSets(const ProjectFile& file);
 bool managerHasMenus(const ProjectFile& file);
+
+/** Sections of the menu pages of a title set, or of the manager (0), that a run makes, in order. */
+std::vector<std::u16string> menuSections(const ProjectFile& file, uint64_t titleSet);

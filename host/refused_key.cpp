@@ -2,6 +2,7 @@
 #include "project_fault.h"
 
 #include "codes.h"
+#include "named_file.h"
 #include "text.h"
 #include "value_check.h"
 
@@ -17,11 +18,6 @@ struct Search {
 };
 
 typedef const std::u16string& Name;
-
-static std::u16string numbered(const char16_t* name, uint64_t number)
-{
-    return name + wideOf(std::to_string(number));
-}
 
 static const ProjectKey* keyOf(const Search* search, Name section, Name name)
 {
@@ -204,7 +200,7 @@ static bool refusesMenus(Search* search, Name countSection, Name pageSection)
     if (refusesAbove(search, countSection, u"menus", MAX_MENUS, CODE_MENUS)) return true;
     const uint64_t menus = integerOf(keyOf(search, countSection, u"menus"));
     for (uint64_t i = 1; i <= menus; i++) {
-        if (refusesMenu(search, numbered(pageSection.c_str(), i))) return true;
+        if (refusesMenu(search, numbered(pageSection, i))) return true;
     }
     return false;
 }

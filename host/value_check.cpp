@@ -243,6 +243,13 @@ Refusal checkColorTable(std::u16string_view value)
 
 Refusal checkButton(std::u16string_view value)
 {
+    ButtonCorners corners;
+    return checkButtonCorners(value, &corners);
+}
+
+Refusal checkButtonCorners(std::u16string_view value, ButtonCorners* corners)
+{
+    *corners = {};
     Cursor cursor = { value.substr(0, BUTTON_ROOM) };
     const Slot slots[] = { { u"xstart", TOKEN_COMMA },   { u"xend", TOKEN_COMMA },      { u"ystart", TOKEN_COMMA },
                            { u"yend", TOKEN_COMMA },     { u"uplink", TOKEN_COMMA },    { u"downlink", TOKEN_COMMA },
@@ -252,10 +259,13 @@ Refusal checkButton(std::u16string_view value)
     if (Refusal refusal = checkCommand(&cursor, u"button"); refusal.code) return refusal;
     Token token;
     if (Refusal refusal = nextToken(&cursor, false, &token); refusal.code) return refusal;
-    if (token.kind != TOKEN_COMMA) return {};
-    const Slot last[] = { { u"fAutoAction", TOKEN_END } };
-    uint64_t autoAction[1];
-    return checkSlots(&cursor, last, u"button", autoAction);
+    if (token.kind == TOKEN_COMMA) {
+        const Slot last[] = { { u"fAutoAction", TOKEN_END } };
+        uint64_t autoAction[1];
+        if (Refusal refusal = checkSlots(&cursor, last, u"button", autoAction); refusal.code) return refusal;
+    }
+    *corners = { numbers[0], numbers[1], numbers[2], numbers[3] };
+    return {};
 }
 
 Refusal checkMenuPlayTime(std::u16string_view value)

@@ -21,5 +21,13 @@ Refusal checkChapter(std::u16string_view value);
 Refusal checkColorSet(std::u16string_view value);
 Refusal checkColorTable(std::u16string_view value);
 Refusal checkButton(std::u16string_view value);
+
+// A button's rectangle as its key gives it.
+struct ButtonCorners {
+    uint64_t xStart, xEnd, yStart, yEnd;
+};
+
+/** The same of a button, with its rectangle; corners is all 0 unless the value is accepted. */
+Refusal checkButtonCorners(std::u16string_view value, ButtonCorners* corners);
 Refusal checkMenuPlayTime(std::u16string_view value);
 Refusal checkBlink(std::u16string_view value);

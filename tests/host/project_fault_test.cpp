@@ -125,7 +125,7 @@ const RefusedCase REFUSED[] = {
 
 RunOutcome outcomeOf(uint64_t code, const std::u16string& log)
 {
-    RunOutcome outcome = { code, {}, {}, {} };
+    RunOutcome outcome = { .code = code, .log = {}, .target = {}, .previous = {} };
     if (!log.empty()) outcome.log.push_back(keptByLog(log));
     return outcome;
 }
@@ -293,29 +293,12 @@ TEST(ProjectFault, NamesAMenuFileThatIsNoMpeg)
     EXPECT_EQ(fault.why, "the file begins neither with a sequence header nor with a pack");
 }
 
-TEST(ProjectFault, NamesMenusThatAreNotMade)
-{
-    const std::string head = "[COMMON]\nversion=1.0\n[VMG]\ntitlesets=1\nmenus=";
-    const std::string menu = "background=a\nsubpicture=b\n";
-    const std::string rest = "\n[VTS_1]\nsource=a\nmenus=1\n[VTS_1_MENU1]\n" + menu + "[VMG_MENU1]\n" + menu;
-    const std::string skip = "[VTS_1_MENU]\nskipmenu=1\n";
-    const RunOutcome outcome = outcomeOf(CODE_NOT_SUPPORTED, u"");
-    const ProjectFile both = parseProject(head + "1" + rest), manager = parseProject(head + "1" + rest + skip),
-                      none = parseProject(head + "0" + rest + skip);
-    ProjectFault fault;
-    ASSERT_TRUE(findProjectFault(both, outcome, &fault));
-    EXPECT_EQ(fault.key->line, 8u);
-    ASSERT_TRUE(findProjectFault(manager, outcome, &fault));
-    EXPECT_EQ(fault.key->line, 5u);
-    EXPECT_FALSE(findProjectFault(none, outcome, &fault));
-}
-
 TEST(ProjectFault, NamesASkippedTitleSetThatNobodyAuthored)
 {
     const TempDir folder;
     const ProjectFile file =
         parseProject("[COMMON]\nversion=1.0\n[VMG]\ntitlesets=2\n[VTS_1]\nsource=a\n[VTS_2]\nskipvts=1\n");
-    RunOutcome outcome = { CODE_OLD_IFO, {}, folder.root, {} };
+    RunOutcome outcome = { .code = CODE_OLD_IFO, .log = {}, .target = folder.root, .previous = {} };
     ProjectFault fault;
     ASSERT_TRUE(findProjectFault(file, outcome, &fault));
     EXPECT_EQ(fault.key->line, 8u);

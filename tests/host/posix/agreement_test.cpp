@@ -65,7 +65,9 @@ TEST(Agreement, HostAndLibraryRefuseTheSameKey)
         writeFile(path, std::string_view(text));
         std::filesystem::remove(std::filesystem::path(log));
         const uint64_t code = ParseDVDDescW(path.c_str(), folder.prefix().c_str(), nullptr, nullptr, 0, log.c_str());
-        const RunOutcome outcome = { code, readLog(std::filesystem::path(log), 0), folder.root, {} };
+        const RunOutcome outcome = {
+            .code = code, .log = readLog(std::filesystem::path(log), 0), .target = folder.root, .previous = {}
+        };
         uint64_t refused = 0;
         std::u16string logText;
         ProjectFault fault;
