@@ -3,20 +3,16 @@
 
 #include "cli.h"
 #include "codes.h"
-#include "explain.h"
 #include "platform.h"
 #include "progress.h"
-#include "project_fault.h"
+#include "report.h"
 #include "run_log.h"
 #include "text.h"
 
 #include <atomic>
 #include <csignal>
-#include <fstream>
 
 namespace fs = std::filesystem;
-
-static constexpr size_t SHOWN_LOG_ENTRIES = 5;
 
 static std::atomic<bool> interrupted{ false };
 
@@ -27,36 +23,17 @@ extern "C" void onInterrupt(int)
     std::signal(SIGINT, SIG_DFL);
 }
 
-static int refuse(const std::string& sentence)
-{
-    platformPrintError("error: " + sentence + "\n");
-    return EXIT_USAGE;
-}
-
 static int checkUsage(const AuthorOptions& options)
 {
     std::error_code error;
-    if (!fs::exists(options.project, error))
-        return refuse("there is no project file " + printablePath(options.project));
-    if (fs::is_directory(options.project, error)) {
-        return refuse(printablePath(options.project) + " is a folder; the project is a file");
-    }
-    if (fs::is_fifo(options.project, error))
-        return refuse("the project " + printablePath(options.project) + " is a pipe");
-    if (!std::ifstream(options.project))
-        return refuse("the project file " + printablePath(options.project) + " can't be read");
+    if (const int refused = checkProject(options.project)) return refused;
     if (fs::exists(options.target, error) && !fs::is_directory(options.target, error)) {
         return refuse("the target " + printablePath(options.target) + " is a file; the disc needs a folder");
     }
     if (!options.previous.empty() && !fs::is_directory(options.previous, error)) {
         return refuse("there is no previous folder " + printablePath(options.previous));
     }
-    if (options.log.empty()) return EXIT_DONE;
-    if (fs::is_directory(options.log, error)) return refuse("the log " + printablePath(options.log) + " is a folder");
-    if (fs::is_fifo(options.log, error)) return refuse("the log " + printablePath(options.log) + " is a pipe");
-    if (!std::ofstream(options.log, std::ios::app))
-        return refuse("the log " + printablePath(options.log) + " can't be written");
-    return EXIT_DONE;
+    return checkLog(options.log);
 }
 
 // The library puts folders before file names as they stand.
@@ -76,37 +53,11 @@ static uint32_t onProgress(uint32_t total, uint32_t done, uint32_t kind, uint64_
     return interrupted ? 1 : 0;
 }
 
-static std::string logLines(const std::vector<std::u16string>& entries)
-{
-    std::string lines;
-    const size_t first = entries.size() > SHOWN_LOG_ENTRIES ? entries.size() - SHOWN_LOG_ENTRIES : 0;
-    for (size_t i = first; i < entries.size(); i++) lines += "  log: " + printable(entries[i]) + "...\n";
-    return lines;
-}
-
-static std::string faultLines(const AuthorOptions& options, const ProjectFile& project, const RunOutcome& outcome)
-{
-    ProjectFault fault;
-    if (!findProjectFault(project, outcome, &fault)) return "";
-    const std::string because = fault.why.empty() ? "" : "    " + fault.why + "\n";
-    if (fault.key) {
-        return "  " + printablePath(options.project) + ":" + std::to_string(fault.key->line) + ": " +
-               printable(fault.key->text) + "\n" + because;
-    }
-    const ProjectSection* section = findSection(project, fault.section);
-    const std::string place = section
-                                  ? ":" + std::to_string(section->line) + ": [" + printable(fault.section) + "] has no "
-                                  : ": there is no section [" + printable(fault.section) + "] with a key ";
-    return "  " + printablePath(options.project) + place + "`" + printable(fault.name) + "`\n" + because;
-}
-
 static int reportFailure(const AuthorOptions& options, const ProjectFile& project, const RunOutcome& outcome)
 {
     const bool canceled = outcome.code == CODE_CANCELED && interrupted;
-    std::string text = "error: " + resultLine(outcome.code, platformResultText(outcome.code)) + "\n";
-    text += faultLines(options, project, outcome) + logLines(outcome.log);
-    text += canceled ? "  the disc in " + printablePath(options.target) + " is not finished\n"
-                     : "  more: orven explain " + shortCode(outcome.code) + "\n";
+    std::string text = failureText(options.project, project, outcome);
+    text += canceled ? "  the disc in " + printablePath(options.target) + " is not finished\n" : moreLine(outcome.code);
     platformPrintError(text);
     return canceled ? EXIT_INTERRUPTED : EXIT_RUN_FAILED;
 }
@@ -140,7 +91,7 @@ static int runWithLog(const AuthorOptions& options, const fs::path& log)
     const uint64_t before = logBytes(log);
     const uint64_t code = platformAuthor(request);
     platformPrintError(progressEnd(&display));
-    const RunOutcome outcome = { code, readLog(log, before), options.target, options.previous };
+    const RunOutcome outcome = { code, readLog(log, before), options.target, options.previous, false };
     if (code) return reportFailure(options, project, outcome);
     reportSuccess(options, outcome);
     return EXIT_DONE;
@@ -150,17 +101,6 @@ int runAuthor(const AuthorOptions& options)
 {
     std::signal(SIGINT, onInterrupt);
     if (const int refused = checkUsage(options)) return refused;
-    std::error_code error;
-    fs::create_directories(options.target, error);
-    if (!fs::is_directory(options.target)) {
-        platformPrintError("error: the folder " + printablePath(options.target) + " can't be made: " + error.message() +
-                           "\n");
-        return EXIT_RUN_FAILED;
-    }
-    if (!options.log.empty()) return runWithLog(options, fs::absolute(options.log));
-    // The library tells more in its log than by its code. Without a temporary file the run goes on with less to tell.
-    const fs::path temporary = platformTemporaryFile();
-    const int result = runWithLog(options, temporary);
-    fs::remove(temporary, error);
-    return result;
+    if (const int failed = makeFolder(options.target)) return failed;
+    return withLog(options.log, [&](const fs::path& log) { return runWithLog(options, log); });
 }

@@ -4,6 +4,7 @@
 #include "author.h"
 #include "explain.h"
 #include "platform.h"
+#include "preview.h"
 #include "text.h"
 
 #include <CLI/CLI.hpp>
@@ -24,6 +25,8 @@ static const char FOOTER[] = R"(Examples:
       authors the disc that project.ini describes
   orven author project.ini --target new/VIDEO_TS --previous disc/VIDEO_TS
       authors again; title sets with `skipvts=1` are taken from the earlier disc
+  orven preview project.ini --out pictures
+      shows the menus as PNG pictures, before a disc is made
   orven explain 1012
       tells what a failure means and where to look
 
@@ -51,6 +54,22 @@ A small project:
 
 Chapters count ticks of 1/90000 second: chapter 2 begins after one minute.)";
 
+static const char PREVIEW_FOOTER[] =
+    R"(For each menu, here the second one of title set 1, DIR gets
+  vts01-menu2.png            the sub-picture in its own colours, with the rectangle,
+                             number and links of each button
+  vts01-menu2-selected.png   the highlight of all buttons as if each were selected
+  vts01-menu2-activated.png  the same, as if each were activated
+Menus of the disc's manager are vmg-menu1 and so on. A menu with a letterbox form has that
+as vts01-menu2-letterbox too. Files of these names are overwritten.
+
+The background is left out: grey stands for it. Arrows lead to the button that a key
+selects: up is yellow, down orange, left green, right blue.
+
+A viewer sees one button highlighted at a time. With --button 3 the pictures of the
+highlight show button 3 alone, as vts01-menu2-button3-selected.png: needed where buttons
+overlap. Movies and backgrounds need not be there.)";
+
 static const char EXPLAIN_FOOTER[] = R"(CODE is the number of a message, 1012, or a whole result as a program gets it,
 0x840003F4 or 2214593524. Numbers below 1000 are those of the operating system.)";
 
@@ -60,32 +79,55 @@ static fs::path toPath(const std::string& utf8)
 }
 
 struct CommandLine {
-    std::string project, target, previous, log, code;
+    std::string project, target, previous, log, out, code;
+    uint32_t button = 0;
     bool quiet = false;
 };
 
-static CLI::App* addAuthor(CLI::App* app, CommandLine* line)
+static void addProject(CLI::App* command, CommandLine* line)
+{
+    command->add_option("PROJECT", line->project, "The project file")->required()->type_name("");
+}
+
+static void addReporting(CLI::App* command, CommandLine* line)
+{
+    command->add_option("-l,--log", line->log, "File to which the library appends what it finds wrong")
+        ->type_name("FILE");
+    command->add_flag("-q,--quiet", line->quiet, "Print nothing but failures");
+}
+
+static void addAuthor(CLI::App* app, CommandLine* line)
 {
     CLI::App* author = app->add_subcommand("author", "Author a disc from a project file")->group("Commands");
-    author->add_option("PROJECT", line->project, "The project file")->required()->type_name("");
+    addProject(author, line);
     author->add_option("-t,--target", line->target, "The disc's VIDEO_TS folder; made where it is missing")
         ->required()
         ->type_name("DIR");
     author->add_option("-p,--previous", line->previous, "Folder of an earlier run, for title sets that are skipped")
         ->type_name("DIR");
-    author->add_option("-l,--log", line->log, "File to which the library appends what it finds wrong")
-        ->type_name("FILE");
-    author->add_flag("-q,--quiet", line->quiet, "Print nothing but failures");
+    addReporting(author, line);
     author->footer(AUTHOR_FOOTER);
-    return author;
 }
 
-static CLI::App* addExplain(CLI::App* app, CommandLine* line)
+static void addPreview(CLI::App* app, CommandLine* line)
+{
+    CLI::App* preview = app->add_subcommand("preview", "Show a project's menus as pictures")->group("Commands");
+    addProject(preview, line);
+    preview->add_option("-o,--out", line->out, "Folder for the PNG files; made where it is missing")
+        ->required()
+        ->type_name("DIR");
+    preview->add_option("-b,--button", line->button, "Highlight this button alone, 1 to 36")
+        ->check(CLI::Range(1, 36).description(""))
+        ->type_name("N");
+    addReporting(preview, line);
+    preview->footer(PREVIEW_FOOTER);
+}
+
+static void addExplain(CLI::App* app, CommandLine* line)
 {
     CLI::App* explain = app->add_subcommand("explain", "Tell what a result code means")->group("Commands");
     explain->add_option("CODE", line->code, "The code")->required()->type_name("");
     explain->footer(EXPLAIN_FOOTER);
-    return explain;
 }
 
 static int runExplain(const std::string& text)
@@ -101,9 +143,12 @@ static int runExplain(const std::string& text)
     return EXIT_DONE;
 }
 
-static int runCommand(const CommandLine& line, bool author)
+static int runCommand(const CLI::App& app, const CommandLine& line)
 {
-    if (!author) return runExplain(line.code);
+    if (app.got_subcommand("explain")) return runExplain(line.code);
+    if (app.got_subcommand("preview")) {
+        return runPreview({ toPath(line.project), toPath(line.out), toPath(line.log), line.button, line.quiet });
+    }
     return runAuthor(
         { toPath(line.project), toPath(line.target), toPath(line.previous), toPath(line.log), line.quiet });
 }
@@ -117,7 +162,8 @@ int runCommandLine(const std::vector<std::string>& arguments)
     app.require_subcommand(1);
     app.get_formatter()->label("SUBCOMMAND", "COMMAND");
     app.footer(FOOTER);
-    const CLI::App* author = addAuthor(&app, &line);
+    addAuthor(&app, &line);
+    addPreview(&app, &line);
     addExplain(&app, &line);
     if (arguments.empty()) {
         platformPrintError(app.help());
@@ -130,7 +176,7 @@ int runCommandLine(const std::vector<std::string>& arguments)
     }
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
-        return runCommand(line, author->parsed());
+        return runCommand(app, line);
     } catch (const CLI::ParseError& problem) {
         std::ostringstream out, err;
         const bool asked = app.exit(problem, out, err) == 0;

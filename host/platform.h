@@ -17,6 +17,10 @@ struct RunRequest {
 /** One authoring run. */
 uint64_t platformAuthor(const RunRequest& request);
 
+/** Hands out a project's menus. log may be empty. */
+uint64_t platformPreview(const std::filesystem::path& project, OrvMenuPreviewCall preview, uint64_t user,
+                         const std::filesystem::path& log);
+
 /** Text of a result in UTF-8; empty if it has none. */
 std::string platformResultText(uint64_t code);
 

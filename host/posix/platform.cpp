@@ -17,6 +17,12 @@ uint64_t platformAuthor(const RunRequest& request)
                         request.user, request.log.c_str());
 }
 
+uint64_t platformPreview(const std::filesystem::path& project, OrvMenuPreviewCall preview, uint64_t user,
+                         const std::filesystem::path& log)
+{
+    return PreviewMenus(project.c_str(), preview, user, log.empty() ? nullptr : log.c_str());
+}
+
 std::string platformResultText(uint64_t code)
 {
     char text[1024] = {};

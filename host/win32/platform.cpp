@@ -23,6 +23,12 @@ uint64_t platformAuthor(const RunRequest& request)
                          request.user, request.log.c_str());
 }
 
+uint64_t platformPreview(const std::filesystem::path& project, OrvMenuPreviewCall preview, uint64_t user,
+                         const std::filesystem::path& log)
+{
+    return PreviewMenusW(project.c_str(), preview, user, log.empty() ? nullptr : log.c_str());
+}
+
 std::string platformResultText(uint64_t code)
 {
     wchar_t text[1024] = {};
