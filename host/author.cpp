@@ -91,7 +91,7 @@ static int runWithLog(const AuthorOptions& options, const fs::path& log)
     const uint64_t before = logBytes(log);
     const uint64_t code = platformAuthor(request);
     platformPrintError(progressEnd(&display));
-    const RunOutcome outcome = { code, readLog(log, before), options.target, options.previous, false };
+    const RunOutcome outcome = { code, readLog(log, before), options.target, options.previous };
     if (code) return reportFailure(options, project, outcome);
     reportSuccess(options, outcome);
     return EXIT_DONE;
