@@ -1,69 +1,21 @@
 #include "tests/support/disc_reader.h"
 
+#include "tests/support/disc_view.h"
+#include "tests/support/menu_reader.h"
+
 #include <algorithm>
 #include <fstream>
 #include <set>
-#include <sstream>
 #include <tuple>
 
 namespace fs = std::filesystem;
 
 namespace {
 
-typedef std::vector<uint8_t> Octets;
-
-constexpr uint64_t SECTOR = 2048;
 constexpr uint64_t NOWHERE = 0x3FFFFFFF;   // low 30 bits of a pointer that leads nowhere
 
 // Jump lengths of the search pointers in half seconds, the nearest first.
 constexpr uint64_t HALF_SECONDS[19] = { 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 20, 60, 120, 240 };
-
-// A structure under check: its bytes, the name that faults begin with, and where they go.
-struct View {
-    const Octets* bytes;
-    std::string name;
-    DiscReport* report;
-
-    template <class... Text> void fault(const Text&... text) const
-    {
-        std::ostringstream line;
-        line << name << ": ";
-        (line << ... << text);
-        report->faults.push_back(line.str());
-    }
-    uint64_t get(uint64_t at, uint64_t width) const
-    {
-        if (at > bytes->size() || bytes->size() - at < width) {
-            fault("reaches behind its end at ", at);
-            return 0;
-        }
-        uint64_t value = 0;
-        for (uint64_t i = 0; i < width; i++) value = value << 8 | (*bytes)[at + i];
-        return value;
-    }
-    void expect(uint64_t at, uint64_t width, uint64_t value, const char* what) const
-    {
-        const uint64_t found = get(at, width);
-        if (found != value) fault(what, " at ", at, " is ", found, ", should be ", value);
-    }
-};
-
-struct Nav {
-    uint64_t sector, vob, cell, start, end;   // display times, ticks
-};
-
-// A domain's VOB: all its files end to end.
-struct Vob {
-    Octets bytes;
-    std::vector<Nav> navs;
-    uint64_t sectors = 0;
-    bool isMenu = false;
-};
-
-struct Cell {
-    uint64_t vob, cell, first, last;
-    bool operator==(const Cell&) const = default;
-};
 
 bool load(const fs::path& path, Octets& bytes)
 {
@@ -107,12 +59,13 @@ void findNavs(const View& view, Vob& vob)
         view.fault("does not begin with a navigation pack");
 }
 
-// Runs of one VOB and cell number among the navigation packs.
+}   // namespace
+
 std::vector<Cell> cellsOf(const Vob& vob)
 {
     std::vector<Cell> cells;
     for (uint64_t i = 0; i < vob.navs.size(); i++) {
-        const uint64_t last = (i + 1 < vob.navs.size() ? vob.navs[i + 1].sector : vob.sectors) - 1;
+        const uint64_t last = vob.behind(i) - 1;
         if (i == 0 || !sameCell(vob.navs[i - 1], vob.navs[i])) {
             cells.push_back({ vob.navs[i].vob, vob.navs[i].cell, vob.navs[i].sector, last });
         }
@@ -120,6 +73,8 @@ std::vector<Cell> cellsOf(const Vob& vob)
     }
     return cells;
 }
+
+namespace {
 
 // ---- navigation packs ---------------------------------------------------------------------------------------------
 
@@ -209,16 +164,20 @@ void checkAudioSync(const View& view, const Vob& vob, const Nav& nav, uint64_t s
     }
 }
 
-uint64_t packClock(const View& view, uint64_t at)   // SCR base of a pack header
+}   // namespace
+
+uint64_t packClock(const View& view, uint64_t at)
 {
     return clockOf(view.get(at + 4, 6), 43, 27, 11);
 }
+
+namespace {
 
 void checkNav(const View& view, const Vob& vob, uint64_t i, uint64_t audioStreams)
 {
     const Nav& nav = vob.navs[i];
     const uint64_t at = nav.sector * SECTOR;
-    const uint64_t behind = i + 1 < vob.navs.size() ? vob.navs[i + 1].sector : vob.sectors;
+    const uint64_t behind = vob.behind(i);
     view.expect(at + 45, 4, nav.sector, "PCI sector");
     view.expect(at + 1035, 4, nav.sector, "DSI sector");
     view.expect(at + 1031, 4, packClock(view, at), "DSI clock");
@@ -233,9 +192,13 @@ void checkNav(const View& view, const Vob& vob, uint64_t i, uint64_t audioStream
         before = end;
     }
     if (nav.start >= nav.end) view.fault("no display time, sector ", nav.sector);
+    // The last unit of a title, and of each menu, tells where all of it ends.
+    const bool last = i + 1 == vob.navs.size() || (vob.isMenu && vob.navs[i + 1].vob != nav.vob);
+    if ((view.get(at + 65, 4) != 0) != last) view.fault("end of display, sector ", nav.sector);
+    const uint64_t length = nav.end - nav.start;
+    if (length % 3600 && length % 3003) view.fault("display of no whole frames, sector ", nav.sector);
     // Display goes on where it ends, but a unit of fewer than ten pictures is declared twelve frames long.
     const bool goesOn = i + 1 < vob.navs.size() && vob.navs[i + 1].vob == nav.vob;
-    const uint64_t length = nav.end - nav.start;
     if (goesOn && nav.end != vob.navs[i + 1].start && length != 12 * 3600 && length != 12 * 3003) {
         view.fault("display ends at another time than the next one begins, sector ", nav.sector);
     }
@@ -341,6 +304,8 @@ void checkCells(const View& ifo, uint64_t pgc, uint64_t count, const Vob& vob)
                           (last + 1 == vob.navs.size() || vob.navs[last + 1].sector == cell.last + 1);
         if (!ends) ifo.fault("last unit of cell ", i + 1);
         sum += frames(ifo.get(at + 4, 4));
+        const uint64_t commands = ifo.get(pgc + 228, 2);
+        if (ifo.get(at + 3, 1) > (commands ? ifo.get(pgc + commands + 4, 2) : 0)) ifo.fault("command of cell ", i + 1);
     }
     if (sum != frames(ifo.get(pgc + 4, 4))) ifo.fault("cells play ", sum, " frames, their chain another number");
 }
@@ -370,8 +335,8 @@ void checkPgc(const View& ifo, uint64_t pgc, uint64_t room, const Vob& vob)
     if (cells) checkCells(ifo, pgc, cells, vob);
 }
 
-// Language units of menus, and the chains in them.
-void checkMenus(const View& ifo, uint64_t at, const Vob& vob)
+// Language units of menus, and the chains in them. name is that of the domain's VOB.
+void checkMenus(const View& ifo, uint64_t at, const Vob& vob, const std::string& name)
 {
     const uint64_t unit = at + ifo.get(at + 12, 4), size = ifo.get(unit + 4, 4) + 1;
     ifo.expect(at, 2, 1, "language units");
@@ -383,6 +348,9 @@ void checkMenus(const View& ifo, uint64_t at, const Vob& vob)
         if (from < 8 + 8 * count || to > size || from >= to) ifo.fault("menu ", i + 1, " leaves its unit");
         checkPgc(ifo, unit + from, to - from, vob);
     }
+    if (!vob.sectors) return;
+    const uint64_t height = ifo.get(256, 1) & 0x10 ? 576 : 480;
+    checkMenuVob({ &vob.bytes, name, ifo.report }, vob, { ifo, unit, count, height });
 }
 
 void checkTitle(const View& ifo, const Vob& vob)
@@ -459,7 +427,7 @@ TitleSetFiles checkTitleSet(const fs::path& folder, uint64_t number, DiscReport&
     Vob menu;
     if (ifo.get(192, 4)) {
         menu = loadVob(folder, prefix + "0", 0, 0, ifo.get(258, 2), report);
-        checkMenus(ifo, ifo.get(208, 4) * SECTOR, menu);
+        checkMenus(ifo, ifo.get(208, 4) * SECTOR, menu, prefix + "0.VOB");
         checkCellTable(ifo, ifo.get(216, 4) * SECTOR, menu);
         checkVobuMap(ifo, ifo.get(220, 4) * SECTOR, menu);
     }
@@ -507,7 +475,7 @@ DiscReport readDisc(const fs::path& folder)
         checkVobuMap(ifo, ifo.get(220, 4) * SECTOR, menu);
     }
     checkTables(ifo, { 196, 200, 208, 216, 220 });
-    checkMenus(ifo, ifo.get(200, 4) * SECTOR, menu);
+    checkMenus(ifo, ifo.get(200, 4) * SECTOR, menu, "VIDEO_TS.VOB");
     ifo.expect(12, 4, 2 * ifoSectors + menu.sectors - 1, "last sector of the manager");
     ifo.expect(192, 4, ifoSectors, "start of the menus");
     const uint64_t firstPlay = ifo.get(132, 4);

@@ -17,6 +17,10 @@ struct DiscReport {
     uint64_t searchPointers = 0;   // pointers of navigation packs that lead somewhere
     uint64_t audioPointers = 0;    // the same of the audio sync entries
     uint64_t timeMapEntries = 0;
+    uint64_t menus = 0;                // of all domains
+    uint64_t buttons = 0;              // of all units with a highlight
+    uint64_t subPictures = 0;          // units in menu VOBs, all of them decoded
+    uint64_t subPicturePointers = 0;   // of menus' navigation packs, to where the sub-picture is
 };
 
 /** Reads the whole folder. Stops at a file that is missing or too short, and says so. */
