@@ -18,14 +18,14 @@ static constexpr uint64_t SCAN_FILE_HEAD = 8;
 
 typedef const std::u16string& Name;
 
-struct Search {
+struct MenuSearch {
     const ProjectFile* file;
     const RunOutcome* outcome;
     uint64_t code = 0;   // of the fault
     ProjectFault fault = {};
 };
 
-static bool found(Search* search, Name section, Name name, uint64_t code, const std::string& why)
+static bool found(MenuSearch* search, Name section, Name name, uint64_t code, const std::string& why)
 {
     search->code = code;
     search->fault = { findKey(*search->file, section, name), section, name, why };
@@ -56,7 +56,7 @@ static bool hasAlpha(const ProjectFile& file, Name section)
            (!letterbox || isFilled(findKey(file, section, u"spuletterbox32")));
 }
 
-static bool unfitBitmap(Search* search, Name section, const char16_t* name, uint64_t bits)
+static bool unfitBitmap(MenuSearch* search, Name section, const char16_t* name, uint64_t bits)
 {
     fs::path path;
     if (!namesFile(*search->file, section, name, &path)) return false;
@@ -64,7 +64,7 @@ static bool unfitBitmap(Search* search, Name section, const char16_t* name, uint
     return fault.code && found(search, section, name, fault.code, fault.why);
 }
 
-static bool unfitBitmaps(Search* search, Name section, Certainty certainty)
+static bool unfitBitmaps(MenuSearch* search, Name section, Certainty certainty)
 {
     if (!hasAlpha(*search->file, section)) {
         return unfitBitmap(search, section, u"subpicture", ANY_DEPTH) ||
@@ -79,7 +79,7 @@ static bool unfitBitmaps(Search* search, Name section, Certainty certainty)
            unfitBitmap(search, section, u"spuletterbox32", ALPHA_DEPTH);
 }
 
-static bool unfitScanFile(Search* search, uint64_t titleSet)
+static bool unfitScanFile(MenuSearch* search, uint64_t titleSet)
 {
     fs::path path;
     const std::u16string section = titleSetSection(*search->file, titleSet), name = u"streamscanfile";
@@ -94,7 +94,7 @@ static bool unfitScanFile(Search* search, uint64_t titleSet)
     return found(search, section, name, CODE_INVALID_ARGUMENT, "the file is no stream scan file");
 }
 
-static bool unfitMenus(Search* search, uint64_t titleSet, Certainty certainty)
+static bool unfitMenus(MenuSearch* search, uint64_t titleSet, Certainty certainty)
 {
     for (const std::u16string& section : menuSections(*search->file, titleSet)) {
         if (unfitBitmaps(search, section, certainty)) return true;
@@ -103,7 +103,7 @@ static bool unfitMenus(Search* search, uint64_t titleSet, Certainty certainty)
 }
 
 // The first fault of all, whatever its code.
-static bool unfitInput(Search* search, Certainty certainty)
+static bool unfitInput(MenuSearch* search, Certainty certainty)
 {
     for (const PlannedTitleSet& planned : plannedTitleSets(*search->file)) {
         if (unfitMenus(search, planned.number, certainty) || unfitScanFile(search, planned.number)) return true;
@@ -111,7 +111,7 @@ static bool unfitInput(Search* search, Certainty certainty)
     return unfitMenus(search, MANAGER, certainty);
 }
 
-static bool explainsInput(Search* search, Certainty certainty)
+static bool explainsInput(MenuSearch* search, Certainty certainty)
 {
     if (!unfitInput(search, certainty)) return false;
     return search->code == CODE_FILE_NOT_FOUND ? isUnreadableFile(search->outcome->code)
@@ -133,7 +133,7 @@ static std::string emptyWhy(const ButtonCorners& corners, const std::vector<uint
     return "the `subpicture` has no button number within this rectangle";
 }
 
-static bool emptyButton(Search* search, Name section)
+static bool emptyButton(MenuSearch* search, Name section)
 {
     fs::path path;
     if (!hasAlpha(*search->file, section) || !namesFile(*search->file, section, u"subpicture", &path)) return false;
@@ -187,7 +187,7 @@ static uint64_t loopPack(std::ifstream* in, uint64_t bytes, uint64_t clock)
     return bytes;
 }
 
-static bool endingMovie(Search* search, Name section)
+static bool endingMovie(MenuSearch* search, Name section)
 {
     fs::path path;
     if (!namesFile(*search->file, section, u"background", &path) || !notReadableWhy(path).empty()) return false;
@@ -210,7 +210,7 @@ static bool endingMovie(Search* search, Name section)
 // ---- the whole
 // --------------------------------------------------------------------------------------------------------
 
-static bool anyMenu(Search* search, bool (*test)(Search* search, Name section))
+static bool anyMenu(MenuSearch* search, bool (*test)(MenuSearch* search, Name section))
 {
     std::vector<uint64_t> domains;
     for (const PlannedTitleSet& planned : plannedTitleSets(*search->file)) domains.push_back(planned.number);
@@ -223,14 +223,14 @@ static bool anyMenu(Search* search, bool (*test)(Search* search, Name section))
     return false;
 }
 
-static bool unwritableVob(Search* search, Name section, const std::string& vob)
+static bool unwritableVob(MenuSearch* search, Name section, const std::string& vob)
 {
     const std::string why = notWritableWhy(search->outcome->target / vob);
     return !why.empty() && found(search, section, u"menus", search->outcome->code,
                                  vob + " in the target folder holds these menus: " + why);
 }
 
-static bool unwritableMenus(Search* search)
+static bool unwritableMenus(MenuSearch* search)
 {
     for (const PlannedTitleSet& planned : plannedTitleSets(*search->file)) {
         const std::string number = std::to_string(planned.number);
@@ -240,7 +240,7 @@ static bool unwritableMenus(Search* search)
     return false;
 }
 
-static bool explains(Search* search)
+static bool explains(MenuSearch* search)
 {
     switch (search->outcome->code) {
     case CODE_MENU_VOB: return unwritableMenus(search);
@@ -253,7 +253,7 @@ static bool explains(Search* search)
 
 bool findUnfitMenu(const ProjectFile& file, const RunOutcome& outcome, ProjectFault* fault)
 {
-    Search search = { &file, &outcome };
+    MenuSearch search = { &file, &outcome };
     if (!explains(&search)) return false;
     *fault = search.fault;
     return true;

@@ -1,9 +1,10 @@
 // agreement_test.cpp: the host reads a refused project once more to find its line. Here it has to agree with the
-// library itself, over projects that chance has spoiled.
+// library itself, over projects and bitmaps that chance has spoiled.
 #include "host/codes.h"
 #include "host/project_fault.h"
 #include "host/run_log.h"
 #include "host/text.h"
+#include "tests/support/bitmaps.h"
 #include "tests/support/files.h"
 
 #include <cstdlib>
@@ -80,6 +81,68 @@ TEST(Agreement, HostAndLibraryRefuseTheSameKey)
         ASSERT_TRUE(findProjectFault(file, outcome, &fault)) << utf8Of(logText);   // the log agrees too
     }
     EXPECT_GT(refusals, count / 3);   // chance has spoiled enough
+}
+
+// ---- bitmaps --------------------------------------------------------------------------------------------------------
+
+const char* const BITMAPS[] = { "good.bmp", "good.bmp", "good.bmp",  "alpha.bmp", "alpha.bmp",
+                                "cut.bmp",  "text.bmp", "small.bmp", "none.bmp" };
+
+void writeBitmaps(const TempDir& folder)
+{
+    const Bytes good = bmpFile(ByteImage(576));
+    writeFile(folder / u"good.bmp", good);
+    writeFile(folder / u"alpha.bmp", bmpFile(AlphaImage(576)));
+    writeFile(folder / u"cut.bmp", Bytes(good.begin(), good.begin() + 50000));
+    writeFile(folder / u"text.bmp", std::string(60, 'x'));
+    writeFile(folder / u"small.bmp", bmpFile(ByteImage(480)));
+}
+
+// A menu whose keys name bitmaps by chance; most often those that fit.
+std::string menuOf(const std::string& section, const TempDir& folder, std::mt19937& chance)
+{
+    std::string text = "[" + section + "]\nbackground=a\n";
+    for (const char* key : { "subpicture", "spuletterbox", "subpicture32", "spuletterbox32" }) {
+        const bool alpha = std::string(key).ends_with("32");
+        if (key != std::string("subpicture") && chance() % 2) continue;
+        const char* name = chance() % 6 ? (alpha ? "alpha.bmp" : "good.bmp") : BITMAPS[chance() % std::size(BITMAPS)];
+        text += std::string(key) + "=" + toUtf8(folder / toWide(name)) + "\n";
+    }
+    return text;
+}
+
+uint32_t passOver(const OrvMenuPreview*, uint64_t)
+{
+    return 0;
+}
+
+// Without buttons the bitmaps alone decide: whenever the library refuses one, the host finds one for the same reason.
+TEST(Agreement, HostAndLibraryRefuseABitmapForTheSameReason)
+{
+    const TempDir folder;
+    writeBitmaps(folder);
+    const std::string path = toUtf8(folder / u"p.ini");
+    std::mt19937 chance(12);
+    int refusals = 0;
+    for (int run = 0; run < 200; run++) {
+        const std::string text = "[COMMON]\nversion=1.0\n[VMG]\ntitlesets=2\nmenus=1\n[VTS_1]\nsource=a\nmenus=2\n"
+                                 "[VTS_2]\nsource=a\nmenus=1\n" +
+                                 menuOf("VTS_1_MENU1", folder, chance) + menuOf("VTS_1_MENU2", folder, chance) +
+                                 menuOf("VMG_MENU1", folder, chance) + menuOf("VTS_2_MENU1", folder, chance);
+        SCOPED_TRACE(text);
+        writeFile(folder / u"p.ini", std::string_view(text));
+        const uint64_t code = PreviewMenus(path.c_str(), passOver, 0, nullptr);
+        if (code == 0) continue;
+        refusals++;
+        const ProjectFile file = parseProject(text);
+        ProjectFault fault;
+        ASSERT_TRUE(findProjectFault(file, { .code = code, .log = {}, .target = {}, .previous = {}, .menusOnly = true },
+                                     &fault))
+            << hexCode(code);
+        ASSERT_TRUE(fault.key);
+    }
+    EXPECT_GT(refusals, 60);
+    EXPECT_LT(refusals, 190);   // some have no fault at all
 }
 
 }   // namespace
