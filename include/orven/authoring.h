@@ -15,8 +15,8 @@ ORV_BEGIN_DECLS
  *  @return 0 to go on; any other value cancels the run, which then returns 0x8400040A */
 typedef uint32_t (*OrvProgress)(uint32_t total, uint32_t done, uint32_t kind, uint64_t user);
 
-/** Authors a DVD-Video directory: VIDEO_TS.IFO, VTS_nn_0.IFO and their .BUP copies. Menus are
- *  read and checked, but their VOBs are not made yet: a domain with menus ends the run with 0x840007DD.
+/** Authors a DVD-Video directory: VIDEO_TS.IFO, VTS_nn_0.IFO and their .BUP copies, and for domains with menus
+ *  VIDEO_TS.VOB and VTS_nn_0.VOB. While a menu is made, its sub-pictures lie in the folder for temporary files.
  *
  *  The VOBs of the titles are not made here. They are the project's `source` files, finished program streams, which
  *  lie as VTS_nn_1.VOB and so on in the target directory; the run fills their navigation packs in place.
@@ -31,9 +31,11 @@ typedef uint32_t (*OrvProgress)(uint32_t total, uint32_t done, uint32_t kind, ui
  *  @param logPath        null, or a file to which syntax errors of the project and failures to open a file are
  *                        appended: UTF-16LE without a mark, one line an entry, each text cut to its first half
  *  @return 0; a code 0x840003E8 to 0x8400040B for a fault in the project; 0x840007D0 and up for a fault in
- *          authoring; 0x84000FB3, 0x84000FB4 if a source can't be written or read; 0x8400040A if progress cancelled;
- *          0xFFFFFFFFFFFFFFFD if a title's sources hold no whole sector; 0x84000057 if projectPath or targetPath is
- *          null; a number of the platform
+ *          authoring, among them 0x840007D8, 0x840007DA, 0x840007E6 to 0x840007E8 and 0x840007ED to 0x840007F5 for
+ *          backgrounds, sub-pictures and buttons of menus; 0x84000FB3, 0x84000FB4 if a source can't be written or
+ *          read; 0x8400040A if progress cancelled; 0xFFFFFFFFFFFFFFFD if a title's sources hold no whole sector;
+ *          0x84000057 if projectPath or targetPath is null, or a bitmap is none or has another size than the picture;
+ *          0x88010102 for a bitmap that is cut short; a number of the platform
  *
  *  A failed or cancelled run leaves the files that it has written, and keeps the memory of its project model: there
  *  is no clean-up on that path. */

@@ -99,5 +99,5 @@ TEST(FormatDocument, Errors)
         EXPECT_EQ((*at)[3], code == ORV_TOO_MANY_AUDIO_STREAMS ? "none" : '"' + std::string(message) + '"') << number;
         before = number;
     }
-    EXPECT_EQ(rows, 34u);
+    EXPECT_EQ(rows, 41u);
 }

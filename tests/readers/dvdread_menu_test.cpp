@@ -359,6 +359,28 @@ TEST(DvdReadMenu, EachButtonHasTheColourThatIsDrawn)
     EXPECT_EQ(chain.palette[3], 0x0051F05Bu);
 }
 
+TEST(DvdReadMenu, AButtonsColourIsThatOfTheMapsFirstPixelWhateverItsAlpha)
+{
+    // The maps of both buttons reach above their drawings. Around the first the drawing is transparent blue, around the
+    // second transparent black: that button is never seen.
+    ByteImage map(576);
+    AlphaImage alpha(576);
+    alpha.fill(90, 90, 220, 60, { .blue = 255 });
+    alpha.fill(100, 100, 200, 40, { .blue = 255, .alpha = 255 });
+    alpha.fill(100, 200, 200, 40, { .green = 255, .alpha = 255 });
+    map.fill(90, 90, 220, 60, 1);
+    map.fill(90, 190, 220, 60, 2);
+    const std::vector<ButtonPlan> buttons = { { 80, 320, 80, 160, "BTN_ACTION_JUMP_TT(1,0,0)" },
+                                              { 80, 320, 180, 260, "BTN_ACTION_JUMP_TT(1,0,0)" } };
+    const Disc disc(PAL, { {} }, menuPage("VMG_MENU1", PAL, realStill(PAL, 0), buttons, alphaKeys(map, alpha)),
+                    "menus=1\n");
+    const MenuDomain manager(disc, 0);
+    const hli_t& highlight = manager.highlight(1);
+    EXPECT_EQ(highlight.btnit[0].btn_coln, 2u);
+    EXPECT_EQ(highlight.btnit[1].btn_coln, 0u);
+    expectRect(highlight.btnit[0], 100, 300, 99, 140);
+}
+
 TEST(DvdReadMenu, ManyColoursHaveOneSetWithTheirContrasts)
 {
     ByteImage map(576);
