@@ -9,9 +9,8 @@
 
 AssetStream orvOpenAsset(OSFILE file, uint8_t streamId, uint8_t subStreamId)
 {
-    AssetStream stream = { file, 0, streamId, subStreamId, 0 };
-    stream.failure = osFileSize(file, &stream.left);
-    if (stream.failure) stream.left = 0;
+    AssetStream stream = { file, 0, streamId, subStreamId };
+    if (osFileSize(file, &stream.left)) stream.left = 0;
     return stream;
 }
 
@@ -27,8 +26,7 @@ uint64_t orvBuildAssetPack(uint8_t* pack, AssetStream* stream, uint64_t sector, 
     // Asked for is all that the pack has room for, also of an empty file: it is for the file to say what there is.
     const uint64_t room = uint64_t(pack + SECTOR_BYTES - payload);
     const uint64_t wanted = capacity < room ? capacity : room;
-    uint64_t result = stream->failure;
-    if (!result) result = osReadFileSome(stream->file, payload, wanted, &got);
+    uint64_t result = osReadFileSome(stream->file, payload, wanted, &got);
     if (!result && got == 0 && stream->left > 0) result = OS_SHORT_READ;
     stream->left = result || got > stream->left ? 0 : stream->left - got;
     return result;

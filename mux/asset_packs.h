@@ -13,11 +13,10 @@ struct AssetStream {
     uint64_t left;   // bytes still to come
     uint8_t streamId;
     uint8_t subStreamId;   // 0: none
-    uint64_t failure;      // of asking for the size; each pack reports it then
 };
 
-/** A file from its present position on, as many bytes as its whole size; none of a file whose size can't be had, as one
-    that is not open. */
+/** A file from its present position on, as many bytes as its whole size; none of one that is not open, whose first pack
+    fails then. */
 [[nodiscard]] AssetStream orvOpenAsset(OSFILE file, uint8_t streamId, uint8_t subStreamId);
 
 /** Builds one pack at this sector number in a sector-sized buffer and reads its payload. pts and dts 0: no time stamps.
