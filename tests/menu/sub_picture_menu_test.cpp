@@ -48,6 +48,7 @@ TEST(SubPicture, OverlappingButtonsHaveTheirColor)
     MenuBitmaps files(STANDARD_PAL);
     files.menu.buttonsOverlap = 1;
     files.menu.buttonCount = 35;
+    for (auto& set : files.menu.colorSets) std::fill(std::begin(set), std::end(set), uint8_t(0xAB));   // no button's
     const struct {
         uint8_t collision;
         uint64_t color;
