@@ -10,9 +10,9 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <functional>
 #include <random>
+#include <sstream>
 
 namespace {
 
@@ -24,23 +24,21 @@ constexpr double LIMIT_SECONDS = 2;
 constexpr double LIMIT_SECONDS = 20;
 #endif
 
+// "3x1 2xFF0000": counts and values.
 std::string text(const ColorCount* list, uint64_t entries)
 {
-    std::string all;
+    std::ostringstream all;
     for (uint64_t i = 0; i < entries; i++) {
-        char entry[48];
-        std::snprintf(entry, sizeof(entry), "%s%llux%llX", i ? " " : "", static_cast<unsigned long long>(list[i].count),
-                      static_cast<unsigned long long>(list[i].value));
-        all += entry;
+        all << (i ? " " : "") << std::dec << list[i].count << "x" << std::hex << std::uppercase << list[i].value;
     }
-    return all;
+    return all.str();
 }
 
 struct Region {
     uint64_t x, storedRow, width, height, rowGap;
 };
 
-// Census of a region as text, "3x1 2xFF0000": counts and values.
+// Census of a region as text.
 std::string census(const Bytes& pixels, uint64_t bits, const Region& r)
 {
     ColorCount* list = nullptr;

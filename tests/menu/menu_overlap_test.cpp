@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr uint64_t FAR = 0xFFFFFFFF;
+constexpr uint64_t FURTHEST = 0xFFFFFFFF;
 
 // Columns 100 to 198 of the lines 50 to 78 are looked at.
 constexpr Box BOX = { 100, 200, 50, 80 };
@@ -76,7 +76,10 @@ const struct {
       { { 1, { 100, 470, 10, 5 } }, { 2, { 100, 475, 10, 5 } } },
       { { 100, 111, 470, 481 } },
       { 0 } },
-    { "as large as can be", { { 1, { 0, 0, 720, 240 } }, { 2, { 0, 240, 720, 240 } } }, { { 0, FAR, 0, FAR } }, { 2 } },
+    { "as large as can be",
+      { { 1, { 0, 0, 720, 240 } }, { 2, { 0, 240, 720, 240 } } },
+      { { 0, FURTHEST, 0, FURTHEST } },
+      { 2 } },
     // More than one button.
     { "two that see each other",
       { { 1, { 110, 60, 10, 10 } }, { 2, { 130, 60, 10, 10 } } },

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr uint64_t FAR = 0xFFFFFFFF;   // the largest number that a project can say
+constexpr uint64_t FURTHEST = 0xFFFFFFFF;   // the largest number that a project can say
 
 // Columns 100 to 198 of the lines 51 to 79 are looked at.
 constexpr Box BOX = { 100, 200, 50, 80 };
@@ -51,9 +51,12 @@ const struct {
     { "outside", { 800, 900, 500, 600 }, { 700, 470, 20, 10 }, { 800, 900, 500, 600 } },
     { "right of the picture", { 720, 800, 0, 480 }, { 0, 0, 720, 480 }, { 720, 800, 0, 480 } },
     { "below the picture", { 0, 720, 479, 600 }, { 0, 0, 720, 480 }, { 0, 720, 479, 600 } },
-    { "as large as can be", { 0, FAR, 0, FAR }, { 300, 200, 50, 50 }, { 300, 350, 199, 250 } },
-    { "far away", { FAR - 100, FAR, FAR - 100, FAR }, { 0, 0, 720, 480 }, { FAR - 100, FAR, FAR - 100, FAR } },
-    { "far and upside down", { FAR, 0, FAR, 0 }, { 0, 0, 720, 480 }, { FAR, 0, FAR, 0 } },
+    { "as large as can be", { 0, FURTHEST, 0, FURTHEST }, { 300, 200, 50, 50 }, { 300, 350, 199, 250 } },
+    { "far away",
+      { FURTHEST - 100, FURTHEST, FURTHEST - 100, FURTHEST },
+      { 0, 0, 720, 480 },
+      { FURTHEST - 100, FURTHEST, FURTHEST - 100, FURTHEST } },
+    { "far and upside down", { FURTHEST, 0, FURTHEST, 0 }, { 0, 0, 720, 480 }, { FURTHEST, 0, FURTHEST, 0 } },
 };
 
 const struct {
