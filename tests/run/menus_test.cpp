@@ -352,7 +352,7 @@ TEST(Menus, NumberedByTheirClocks)
 }
 
 // The first menu's loop point splits every VOB of the file; the highlight stands from the first unit behind it on.
-TEST(Menus, FirstMenuSplitsAll)
+TEST(Menus, LoopOfTheFirstMenu)
 {
     for (const MenuDomain& domain : MENU_DOMAINS) {
         // Unit 1, of 43200, comes 146 later than it was: one sub-picture pack is in front of it.

@@ -160,3 +160,28 @@ TEST(MenuSystem, LeadingUnitsThatCannotBeWritten)
         EXPECT_EQ(NONE, temporary.unitFiles());
     }
 }
+
+// The VOB is opened again for its size, for the scan and, by a title set, for its size once more: the manager has taken
+// it before.
+TEST(MenuSystem, VobThatVanishes)
+{
+    const std::u16string count = u"Failed to open file in <orvCountFilePacks>: ";
+    const std::u16string scan = u"Failed to open file in <orvGetMovieInfo>: ";
+    for (const MenuDomain& domain : MENU_DOMAINS) {
+        const std::vector<std::u16string> texts[] = { { count, scan }, { scan }, { count } };
+        for (uint64_t opens = 0; opens < 3; opens++) {
+            DiscRun run;
+            const std::string project = menuProject(run, discOf(domain, { {} }));
+            systemAnswers.vanishing = domain.vob;
+            systemAnswers.opensBeforeIt = opens;
+            const uint64_t result = run.author(project);
+            systemAnswers = {};
+            const bool fails = opens < 2 || !domain.manager;
+            EXPECT_EQ(fails ? 0x84000FB4u : 0u, result) << domain.name << opens;
+            std::vector<LogEntry> entries;
+            for (const std::u16string& text : texts[opens])
+                entries.push_back({ 0x84000FB4, text + run.inTarget(domain.vob) });
+            EXPECT_TRUE(logHolds(run.log, fails ? entries : std::vector<LogEntry>()));
+        }
+    }
+}
