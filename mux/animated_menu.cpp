@@ -70,14 +70,24 @@ static uint64_t beginAnimated(const MenuDesc* menu, OSFILE output, OSFILE video,
     return 0;
 }
 
-/** The rest of the video, later by the packs that were put in. sector is the next free one. */
-static uint64_t endAnimated(OSFILE output, OSFILE video, uint64_t sector)
+/** Whole packs of a video. */
+static uint64_t countPacks(OSFILE video)
+{
+    uint64_t size = 0;
+    return osFileSize(video, &size) ? 0 : size / SECTOR_BYTES;
+}
+
+/** The rest of the video, as far as it reached before anything was written: a VOB that is its own background would have
+    no end. It comes later by the packs that were put in; sector is the next free one. */
+static uint64_t endAnimated(OSFILE output, OSFILE video, uint64_t packCount, uint64_t sector)
 {
     // Meant: the time stamps of the video stay, and so does the fraction of a tick by which the shift is short for each
     // pack. Test: AnimatedMenu.ShiftsTheClocksOfTheRest
     const uint64_t shift = (sector - FIRST_FREE_SECTOR) * PACK_TICKS;
     uint8_t pack[SECTOR_BYTES];
-    while (!readPack(video, pack)) {
+    uint64_t position = 0;
+    if (osTellFile(video, &position)) return ORV_MENU_VIDEO_NOT_READ;
+    for (uint64_t i = position / SECTOR_BYTES; i < packCount && !readPack(video, pack); i++) {
         uint64_t extension = 0;
         const uint64_t scr = orvReadScr(pack, &extension);
         orvSetScr(pack, scr + shift, extension);
@@ -88,17 +98,19 @@ static uint64_t endAnimated(OSFILE output, OSFILE video, uint64_t sector)
 
 uint64_t orvMuxAnimatedMenu(const MenuDesc* menu, OSFILE output, OSFILE video, OSFILE subPicture)
 {
+    const uint64_t packCount = countPacks(video);
     uint64_t pts = 0, sector = FIRST_FREE_SECTOR + 1;
     if (uint64_t error = beginAnimated(menu, output, video, &pts)) return error;
     if (uint64_t error = orvMuxSubPicturePacks(output, subPicture, pts, MAIN_SUB_PICTURE, &sector)) return error;
-    return endAnimated(output, video, sector);
+    return endAnimated(output, video, packCount, sector);
 }
 
 uint64_t orvMuxAnimatedMenuPair(const MenuDesc* menu, OSFILE output, OSFILE video, OSFILE subPicture, OSFILE letterbox)
 {
+    const uint64_t packCount = countPacks(video);
     uint64_t pts = 0, sector = FIRST_FREE_SECTOR + 1;
     if (uint64_t error = beginAnimated(menu, output, video, &pts)) return error;
     if (uint64_t error = orvMuxSubPicturePacks(output, subPicture, pts, MAIN_SUB_PICTURE, &sector)) return error;
     if (uint64_t error = orvMuxSubPicturePacks(output, letterbox, pts, LETTERBOX_SUB_PICTURE, &sector)) return error;
-    return endAnimated(output, video, sector);
+    return endAnimated(output, video, packCount, sector);
 }

@@ -185,3 +185,30 @@ TEST(MenuSystem, VobThatVanishes)
         }
     }
 }
+
+// A menu whose background is the VOB that it is laid into: what lay there before it is its animation, not what it adds
+// itself. (Where files are shared as their openers say, it could not be opened.)
+TEST(MenuSystem, BackgroundThatIsTheVobItself)
+{
+    for (const MenuDomain& domain : MENU_DOMAINS) {
+        for (const bool two : { false, true }) {
+            const TempFolder temporary;
+            DiscRun run;
+            const MenuSpec second = two ? pair({}) : MenuSpec();
+            const std::string project = menuProject(run, discOf(domain, { {}, second }));
+            const std::u16string background = assetPath(run, domain.manager ? "VMG_MENU2" : "VTS_1_MENU2", ".mpg");
+            std::filesystem::remove(std::filesystem::path(background));
+            std::filesystem::create_symlink(std::filesystem::path(run.inTarget(domain.vob)),
+                                            std::filesystem::path(background));
+            writeFile(run.project, project);
+            uint64_t result = 0;
+            {
+                const FileLimit limit(0x100000);   // so that the test ends in any case
+                result = run.author();
+            }
+            EXPECT_EQ(0u, result) << domain.name;
+            // 3 of the first menu; those again and the second one's sub-pictures
+            EXPECT_EQ((two ? 8u : 7u) * 2048, run.get(domain.vob).size()) << domain.name;
+        }
+    }
+}
