@@ -8,56 +8,44 @@
 
 #include <utility>
 
-constexpr uint64_t FIRST_SLOTS = 256;   // a power of two, as every slot count
+constexpr uint64_t FIRST_ROOM = 128;   // entries of a new list
+constexpr uint64_t PAGE_ENTRIES = 4096;
+constexpr uint64_t PAGE_SHIFT = 12;
 
 uint64_t orvBeginCensus(Census* census)
 {
     *census = {};
-    census->slotCount = FIRST_SLOTS;
-    census->room = FIRST_SLOTS / 2;
+    census->room = FIRST_ROOM;
     uint64_t result = osAllocMem(census->room * sizeof(ColorCount), &census->list);
-    if (!result) result = osAllocMem(census->slotCount * sizeof(uint32_t), &census->slots);
+    if (!result) result = osAllocMem(CENSUS_PAGES * sizeof(uint32_t*), &census->pages);
     if (result) orvDropCensus(census);
     return result;
 }
 
-/** The slot of a value: the one that holds it, or the empty one in which it is to be put. */
-static uint32_t* findSlot(const Census* census, uint64_t value)
+static uint64_t addEntry(Census* census, uint64_t value, uint64_t count)
 {
-    constexpr uint64_t SPREAD = 0x9E3779B97F4A7C15;   // 2^64 divided by the golden ratio: neighbours land far apart
-    const uint64_t mask = census->slotCount - 1;
-    uint64_t at = (value * SPREAD >> 32) & mask;
-    while (census->slots[at] != 0 && census->list[census->slots[at] - 1].value != value) at = (at + 1) & mask;
-    return census->slots + at;
-}
-
-/** Makes room for twice as many entries. */
-static uint64_t growCensus(Census* census)
-{
-    uint32_t* slots = nullptr;
-    if (uint64_t error = osAllocMem(2 * census->slotCount * sizeof(uint32_t), &slots)) return error;
-    (void)osFreeMem(&census->slots);
-    census->slots = slots;
-    census->slotCount *= 2;
-    census->room *= 2;
-    if (uint64_t error = osResizeMem(&census->list, census->room * sizeof(ColorCount))) return error;
-    for (uint64_t i = 0; i < census->used; i++) *findSlot(census, census->list[i].value) = uint32_t(i + 1);
+    if (census->used == census->room) {
+        if (uint64_t error = osResizeMem(&census->list, 2 * census->room * sizeof(ColorCount))) return error;
+        census->room *= 2;
+    }
+    census->list[census->used++] = { count, value };
     return 0;
 }
 
 uint64_t orvCountValue(Census* census, uint64_t value, uint64_t count)
 {
-    uint32_t* slot = findSlot(census, value);
-    if (*slot != 0) {
-        census->list[*slot - 1].count += count;
+    if (value >= CENSUS_PAGES * PAGE_ENTRIES) return ORV_INVALID_ARGUMENT;
+    uint32_t** page = census->pages + (value >> PAGE_SHIFT);
+    if (!*page) {
+        if (uint64_t error = osAllocMem(PAGE_ENTRIES * sizeof(uint32_t), page)) return error;
+    }
+    uint32_t* position = *page + value % PAGE_ENTRIES;
+    if (*position != 0) {
+        census->list[*position - 1].count += count;
         return 0;
     }
-    if (census->used == census->room) {
-        if (uint64_t error = growCensus(census)) return error;
-        slot = findSlot(census, value);
-    }
-    census->list[census->used++] = { count, value };
-    *slot = uint32_t(census->used);
+    if (uint64_t error = addEntry(census, value, count)) return error;
+    *position = uint32_t(census->used);
     return 0;
 }
 
@@ -73,7 +61,8 @@ uint64_t orvEndCensus(Census* census, ColorCount** list)
 void orvDropCensus(Census* census)
 {
     (void)osFreeMem(&census->list);
-    (void)osFreeMem(&census->slots);
+    for (uint64_t i = 0; census->pages && i < CENSUS_PAGES; i++) (void)osFreeMem(&census->pages[i]);
+    (void)osFreeMem(&census->pages);
     *census = {};
 }
 

@@ -9,17 +9,19 @@ struct ColorCount {
     uint64_t value;   // red << 16 | green << 8 | blue, a collision byte, or an alpha
 };
 
-// An index over a census under way, so that pictures of many colours are counted in time linear in their pixels.
+inline constexpr uint64_t CENSUS_PAGES = 4096;   // of the table of values, 4096 entries each: 24 bits in all
+
+// A census under way. Its table of values makes it linear in what is counted, whatever values come.
 struct Census {
     ColorCount* list;   // a memory block; whoever ends the census owns it
-    uint32_t* slots;    // hash table of positions in the list, from 1
-    uint64_t slotCount;
-    uint64_t room;   // entries that the list's block has bytes for while the census goes on
+    uint32_t** pages;   // CENSUS_PAGES of them, null until they are needed: positions in the list, from 1
+    uint64_t room;      // entries that the list's block has bytes for while the census goes on
     uint64_t used;
 };
 
 [[nodiscard]] uint64_t orvBeginCensus(Census* census);
-/** Adds count to the entry of a value, a new one behind the others if it has none. */
+/** Adds count to the entry of a value, a new one behind the others if it has none. A value of more than 24 bits is
+    ORV_INVALID_ARGUMENT. */
 [[nodiscard]] uint64_t orvCountValue(Census* census, uint64_t value, uint64_t count);
 /** Ends a census and hands its list out, trimmed; the caller owns it. */
 [[nodiscard]] uint64_t orvEndCensus(Census* census, ColorCount** list);

@@ -19,8 +19,8 @@ uint64_t orvProbeAsset(OSFILE video)
     }
 }
 
-// Meant: what the files say is not looked at in a still menu; a VOB that could not be written is found when it is
-// scanned. Test: StillMenu.FailuresAreNotLookedAt
+// Meant: what the files say is not looked at in a still menu; a VOB that was cut is taken as it stands.
+// Test: StillMenu.FailuresAreNotLookedAt
 
 static void writePack(OSFILE output, AssetStream* stream, uint64_t sector, uint64_t pts, uint64_t dts)
 {

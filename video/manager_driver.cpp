@@ -54,7 +54,7 @@ static uint64_t makeMenus(ManagerRun* run)
     if (run->context->vmg.menuCount == 0) return 0;
     char16_t* vobPath = nullptr;
     uint64_t result = osFormPath(&vobPath, u"%sVIDEO_TS.VOB", run->targetPath);
-    if (result == OS_INVALID_ARGUMENT) result = ORV_VOB_NOT_OPENED;
+    if (result == OS_INVALID_ARGUMENT) return orvMenuVobNotOpened(run->context, &MENU_TEXTS, run->targetPath);
     if (!result) result = makeMenuVob(run, vobPath);
     (void)osStrFree(&vobPath);
     return result;

@@ -28,6 +28,12 @@ static uint64_t fail(const MenuStage* stage, uint64_t code, const char16_t* text
     return code;
 }
 
+uint64_t orvMenuVobNotOpened(const DiscContext* context, const MenuStageTexts* texts, const char16_t* path)
+{
+    orvLogError(texts->vobNotOpenedCode, context->head.logFilePath, texts->vobNotOpened, path);
+    return texts->vobNotOpenedCode;
+}
+
 static void dropUnits(MenuUnits* units)
 {
     for (uint64_t i = 0; i < units->count; i++) {
@@ -125,11 +131,11 @@ static uint64_t writeVob(MenuStage* stage)
 {
     OSFILE output = 0;
     if (osOpenFile(stage->vobPath, stage->skipMenu ? OS_EXTEND : OS_CREATE_READ, &output)) {
-        return fail(stage, stage->texts->vobNotOpenedCode, stage->texts->vobNotOpened, stage->vobPath);
+        return orvMenuVobNotOpened(stage->context, stage->texts, stage->vobPath);
     }
     uint64_t result = stage->skipMenu ? 0 : appendMenus(stage, output);
     if (!result) result = osFileSize(output, &stage->vobBytes);
-    (void)osCloseFile(&output);
+    if (osCloseFile(&output) && !result) result = ORV_MENU_VOB_NOT_WRITTEN;
     return result;
 }
 

@@ -49,3 +49,7 @@ struct MenuStage {
                                            uint64_t subPictureCount, const MenuDesc* menus, uint64_t menuCount,
                                            uint64_t skipSetup, int64_t videoStandard, char16_t* const* sources,
                                            uint64_t progressUser, bool noProgress, VobuRecord** vobuList);
+
+/** Logs that a menu VOB can't be opened. path is what is known of its path. @return the code for it */
+[[nodiscard]] uint64_t orvMenuVobNotOpened(const DiscContext* context, const MenuStageTexts* texts,
+                                           const char16_t* path);

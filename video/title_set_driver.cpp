@@ -62,7 +62,8 @@ static uint64_t makeMenus(TitleSetRun* run)
     if (run->titleSet->menuCount == 0) return 0;
     char16_t* vobPath = nullptr;
     uint64_t result = osFormPath(&vobPath, u"%sVTS_%.2d_0.VOB", run->targetPath, run->number);
-    if (result == OS_INVALID_ARGUMENT) result = ORV_VTSM_VOB_NOT_OPENED;
+    // A target whose files would have too long a name holds none.
+    if (result == OS_INVALID_ARGUMENT) return orvMenuVobNotOpened(run->context, &MENU_TEXTS, run->targetPath);
     if (!result) result = makeMenuVob(run, vobPath);
     (void)osStrFree(&vobPath);
     return result;

@@ -270,14 +270,17 @@ TEST(ColorCensus, CountsAreAddedByValue)
 
 TEST(ColorCensus, ManyValuesKeepTheirOrder)
 {
-    // Values whose low bits are alike, neighbours, and values that look like none other.
-    const uint64_t steps[] = { 1, 0x100, 0x1000, 0x10000, 0x9E3779B1 };
+    // Neighbours, values whose low or high bits are alike, and values that look like none other: an odd step meets each
+    // value of 24 bits once.
+    constexpr uint64_t MASK = 0xFFFFFF;
+    const uint64_t steps[] = { 1, 0x101, 0x1001, 0x10001, 0x9E3779B1 };
     for (const uint64_t step : steps) {
         Census census = {};
         ASSERT_EQ(orvBeginCensus(&census), 0u);
         const double seconds = secondsOf([&] {
             for (uint64_t round = 0; round < 2; round++) {
-                for (uint64_t i = 0; i < PIXELS_OF_PAL; i++) ASSERT_EQ(orvCountValue(&census, i * step, i + round), 0u);
+                for (uint64_t i = 0; i < PIXELS_OF_PAL; i++)
+                    ASSERT_EQ(orvCountValue(&census, i * step & MASK, i + round), 0u);
             }
         });
         EXPECT_LT(seconds, LIMIT_SECONDS) << step;
@@ -285,7 +288,8 @@ TEST(ColorCensus, ManyValuesKeepTheirOrder)
         ASSERT_EQ(orvEndCensus(&census, &list), 0u);
         ASSERT_EQ(osMemSize(list), PIXELS_OF_PAL * sizeof(ColorCount)) << step;
         uint64_t wrong = 0;
-        for (uint64_t i = 0; i < PIXELS_OF_PAL; i++) wrong += list[i].value != i * step || list[i].count != 2 * i + 1;
+        for (uint64_t i = 0; i < PIXELS_OF_PAL; i++)
+            wrong += list[i].value != (i * step & MASK) || list[i].count != 2 * i + 1;
         EXPECT_EQ(wrong, 0u) << step;
         osFreeMem(&list);
     }
@@ -298,7 +302,17 @@ TEST(ColorCensus, ADroppedCensusLeavesNothing)
     for (uint64_t i = 0; i < 5000; i++) ASSERT_EQ(orvCountValue(&census, i, 1), 0u);
     orvDropCensus(&census);
     EXPECT_EQ(census.list, nullptr);
-    EXPECT_EQ(census.slots, nullptr);
+    EXPECT_EQ(census.pages, nullptr);
+}
+
+TEST(ColorCensus, ValuesHaveTwentyFourBits)
+{
+    EXPECT_EQ(counted({ { 2, 0xFFFFFF }, { 3, 0 } }), "2xFFFFFF 3x0");
+    Census census = {};
+    ASSERT_EQ(orvBeginCensus(&census), 0u);
+    EXPECT_EQ(orvCountValue(&census, 0x1000000, 1), ORV_INVALID_ARGUMENT);
+    EXPECT_EQ(orvCountValue(&census, ~uint64_t(0), 1), ORV_INVALID_ARGUMENT);
+    orvDropCensus(&census);
 }
 
 TEST(ColorCensus, PictureOfManyColors)

@@ -1,6 +1,7 @@
 // system_test.cpp: runs on a system that answers as the tests want: a source on read-only media, and a title set's file
 // that is gone when the manager comes back to it.
 #include "tests/run/disc_run.h"
+#include "tests/run/menu_project.h"
 #include "tests/run/posix/system.h"
 
 namespace fs = std::filesystem;
@@ -21,6 +22,25 @@ TEST(Target, PathsPastTheFormattersRoom)
         EXPECT_EQ(run.target.size() + 12 <= 1023 ? 0u : 0x840007DBu, run.author(project)) << length;
         const bool written = !fs::is_empty(fs::path(path));
         EXPECT_EQ(run.target.size() + 12 <= 1023, written) << length;
+    }
+}
+
+TEST(Target, MenuVobsPastTheFormattersRoom)
+{
+    for (const MenuDomain& domain : MENU_DOMAINS) {
+        DiscRun run;
+        std::u16string path = run.folder.prefix();
+        while (path.size() + 101 < 1020) path += std::u16string(100, u'd') + u'/';
+        path += std::u16string(1020 - path.size() - 1, u'e');
+        fs::create_directories(fs::path(path));
+        const std::string project = menuProject(run, discOf(domain, { {} }));
+        run.target = path + u'/';
+        // The title set's tables come in front of the manager's menus, and have no place there either.
+        const uint64_t expected = domain.manager ? 0x840007DBu : 0x840007E3u;
+        EXPECT_EQ(expected, run.author(project)) << domain.name;
+        if (domain.manager) continue;
+        EXPECT_TRUE(
+            logHolds(run.log, { { expected, u"Failed to open file in <CreateVideoTitleset>: " + run.target } }));
     }
 }
 
