@@ -8,11 +8,6 @@
 static constexpr Rgb FRAME = { 255, 255, 255 };
 static constexpr uint32_t CODE_MASK = 3, COLOR_SETS = 3;
 
-Box buttonBox(const OrvPreviewButton& button)
-{
-    return { button.xStart, button.yStart, button.xEnd, button.yEnd };
-}
-
 static Picture grayOf(const OrvMenuPreview& menu)
 {
     return plainPicture(menu.width, menu.height, NEUTRAL_GRAY);

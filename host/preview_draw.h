@@ -14,6 +14,3 @@ Picture drawMenuMap(const OrvMenuPreview& menu);
  *  colours of the button's colour set; elsewhere nothing.
  *  @param onlyButton  the button, from 1, that is highlighted; 0: all of them, in their order */
 Picture drawHighlight(const OrvMenuPreview& menu, ButtonState state, uint32_t onlyButton);
-
-/** Rectangle of a button. */
-Box buttonBox(const OrvPreviewButton& button);

@@ -1,10 +1,13 @@
 // preview_links.cpp: the links between a menu's buttons, as arrows.
 #include "preview_links.h"
 
-#include "preview_draw.h"
-
 #include <algorithm>
 #include <cmath>
+
+Box buttonBox(const OrvPreviewButton& button)
+{
+    return { button.xStart, button.yStart, button.xEnd, button.yEnd };
+}
 
 static constexpr int64_t PATH_STEPS = 512;   // short enough to meet an edge within two pixels
 static constexpr double BEND = 24;           // by which the arrows of one pair lie apart, in pixels

@@ -13,3 +13,6 @@ inline constexpr Rgb LINK_UP = { 255, 230, 60 }, LINK_DOWN = { 255, 130, 70 }, L
  * share one, with two heads; each half has the tint of the key that leaves there. An arrow bends around other buttons
  * where it can. */
 void drawLinks(Picture* picture, const OrvMenuPreview& menu);
+
+/** Rectangle of a button. */
+Box buttonBox(const OrvPreviewButton& button);

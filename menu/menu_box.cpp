@@ -3,7 +3,6 @@
 #include "menu/menu_box.h"
 
 #include "menu/bitmap.h"
-#include "menu/menu_colors.h"
 
 // A stretch of pixels along one axis.
 struct Stretch {

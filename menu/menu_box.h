@@ -1,9 +1,19 @@
-// menu_box.h: the part of a button's box that lies in the picture.
+// menu_box.h: the box of a button, and the part of it that lies in the picture.
 #pragma once
 
 #include "project/model.h"
 
 #include <cstdint>
+
+// The box of a button: `xEnd` and `yEnd` lie beyond it. Both sizes are 0 where the end isn't above the start.
+[[nodiscard]] inline uint64_t orvInnerWidth(const ButtonDesc* button)
+{
+    return button->xEnd > button->xStart ? button->xEnd - button->xStart - 1 : 0;
+}
+[[nodiscard]] inline uint64_t orvInnerHeight(const ButtonDesc* button)
+{
+    return button->yEnd > button->yStart ? button->yEnd - button->yStart - 1 : 0;
+}
 
 // Lines count from the picture's top. Empty boxes have a width and a height of 0.
 struct MenuBox {

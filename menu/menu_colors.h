@@ -11,16 +11,6 @@
 
 #include <cstdint>
 
-// The box of a button: `xEnd` and `yEnd` lie beyond it. Both sizes are 0 where the end isn't above the start.
-[[nodiscard]] inline uint64_t orvInnerWidth(const ButtonDesc* button)
-{
-    return button->xEnd > button->xStart ? button->xEnd - button->xStart - 1 : 0;
-}
-[[nodiscard]] inline uint64_t orvInnerHeight(const ButtonDesc* button)
-{
-    return button->yEnd > button->yStart ? button->yEnd - button->yStart - 1 : 0;
-}
-
 /** All steps, for a menu with a 32-bit form. Goes before the menu's sub-picture is encoded. */
 [[nodiscard]] uint64_t orvPrepareMenuColors(int64_t videoStandard, MenuDesc* menu);
 

@@ -1,5 +1,6 @@
 // Animated menus whose files are short, can't be read or can't be written.
 #include "tests/mux/animated_rig.h"
+#include "tests/support/write_limit.h"
 
 #include <gtest/gtest.h>
 

@@ -5,11 +5,6 @@
 #include <algorithm>
 #include <stdexcept>
 
-#ifndef _WIN32
-#include <csignal>
-#include <sys/resource.h>
-#endif
-
 // ---- files ------------------------------------------------------------------------------------------------------
 
 OpenFile::OpenFile(const TempDir& folder, std::u16string_view name, const Bytes& content, uint64_t mode)
@@ -49,29 +44,6 @@ MuxRun runDriver(const MuxAssets& assets, const std::function<uint64_t(const Mux
     EXPECT_TRUE(!assets.letterbox || readFile(folder / u"letterbox") == *assets.letterbox);
     return run;
 }
-
-#ifndef _WIN32
-
-WriteLimit::WriteLimit(uint64_t bytes)
-{
-    rlimit limit = {};
-    EXPECT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
-    before = limit.rlim_cur;
-    handler = std::signal(SIGXFSZ, SIG_IGN);
-    limit.rlim_cur = bytes;
-    EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-}
-
-WriteLimit::~WriteLimit()
-{
-    rlimit limit = {};
-    EXPECT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
-    limit.rlim_cur = before;
-    EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-    std::signal(SIGXFSZ, handler);
-}
-
-#endif
 
 // ---- bytes ------------------------------------------------------------------------------------------------------
 

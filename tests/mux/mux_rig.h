@@ -55,19 +55,6 @@ struct MuxRun {
 /** Opens the files, calls the driver, closes them. */
 MuxRun runDriver(const MuxAssets& assets, const std::function<uint64_t(const MuxFiles&)>& driver);
 
-#ifndef _WIN32
-// While it lives, this process can't write behind the first `bytes` bytes of any file.
-struct WriteLimit {
-    explicit WriteLimit(uint64_t bytes);
-    ~WriteLimit();
-    WriteLimit(const WriteLimit&) = delete;
-    WriteLimit& operator=(const WriteLimit&) = delete;
-
-    uint64_t before = 0;
-    void (*handler)(int) = nullptr;
-};
-#endif
-
 // ---- bytes ------------------------------------------------------------------------------------------------------
 
 /** An asset of so many bytes that look like no others. */

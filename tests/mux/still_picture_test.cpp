@@ -1,6 +1,7 @@
 // Stills of a DVD-Audio disc: their navigation packet and their packs.
 #include "mux/asset_drivers.h"
 #include "tests/mux/mux_rig.h"
+#include "tests/support/write_limit.h"
 
 #include <gtest/gtest.h>
 

@@ -2,6 +2,7 @@
 // highlight.
 #include "base/result.h"
 #include "tests/support/log.h"
+#include "tests/support/write_limit.h"
 #include "tests/video/nav_rig.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,7 @@
 // Every way of a title's navigation packs into their files, progress, and all that can fail.
 #include "base/result.h"
 #include "tests/support/log.h"
+#include "tests/support/write_limit.h"
 #include "tests/video/nav_rig.h"
 
 #include <gtest/gtest.h>

@@ -7,11 +7,6 @@
 #include <cstring>
 #include <set>
 
-#ifndef _WIN32
-#include <csignal>
-#include <sys/resource.h>
-#endif
-
 std::vector<VobuRecord> unitRecords(const std::vector<Unit>& units)
 {
     std::vector<VobuRecord> records;
@@ -205,26 +200,3 @@ std::string differencesIn(const NavRun& run, uint64_t sector, const std::vector<
     const Bytes before(run.before.begin() + std::ptrdiff_t(sector * PACK_BYTES), run.before.end());
     return differences(run.packAt(sector), packOf(before, named));
 }
-
-#ifndef _WIN32
-
-WriteLimit::WriteLimit(uint64_t bytes)
-{
-    rlimit limit = {};
-    EXPECT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
-    before = limit.rlim_cur;
-    handler = std::signal(SIGXFSZ, SIG_IGN);
-    limit.rlim_cur = bytes;
-    EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-}
-
-WriteLimit::~WriteLimit()
-{
-    rlimit limit = {};
-    EXPECT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
-    limit.rlim_cur = before;
-    EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-    std::signal(SIGXFSZ, handler);
-}
-
-#endif

@@ -92,16 +92,3 @@ MenuDesc menuOf(uint64_t buttonCount, const ButtonDesc& button = someButton());
 
 /** What differs between a pack as it was left and one of these bytes; empty if nothing does. */
 std::string differencesIn(const NavRun& run, uint64_t sector, const std::vector<PackBytes>& named);
-
-#ifndef _WIN32
-// While it lives, this process can't write behind the first `bytes` bytes of any file.
-struct WriteLimit {
-    explicit WriteLimit(uint64_t bytes);
-    ~WriteLimit();
-    WriteLimit(const WriteLimit&) = delete;
-    WriteLimit& operator=(const WriteLimit&) = delete;
-
-    uint64_t before = 0;
-    void (*handler)(int) = nullptr;
-};
-#endif
