@@ -90,7 +90,8 @@ Rgba randomColor(Dice& dice, const std::vector<Rgba>& colors)
 void drawButtons(Dice& dice, RandomMenu& menu, ByteImage& map, AlphaImage& picture, const std::vector<Rgba>& colors)
 {
     const uint64_t height = picture.height, count = dice.upTo(8);
-    const bool crossing = dice.oneIn(3);
+    const bool crossing = dice.oneIn(3), halved = dice.oneIn(4);
+    const Rgba upper = randomColor(dice, colors);
     for (uint64_t i = 0; i < count; i++) {
         const uint64_t x = 20 + i % 4 * 170, y = 40 + i / 4 * 200;
         const uint64_t w = dice.between(4, 140), h = dice.between(4, 150);
@@ -98,6 +99,8 @@ void drawButtons(Dice& dice, RandomMenu& menu, ByteImage& map, AlphaImage& pictu
             const uint64_t owner = crossing && strip % 20 ? (i + 1) % count : i;
             map.fill(x + strip, y, std::min<uint64_t>(10, w - strip), h, uint8_t(owner + 1));
             picture.fill(x + strip, y, std::min<uint64_t>(10, w - strip), h, randomColor(dice, colors));
+            // Two colours that are counted as often, one above the other: the box leaves the lowest line out.
+            if (halved) picture.fill(x + strip, y, std::min<uint64_t>(10, w - strip), (h - 1) / 2, upper);
         }
         ModelButton button = { int64_t(x), int64_t(x + w), int64_t(y), int64_t(y + h), dice.upTo(5), 0 };
         button.xStart -= int64_t(dice.upTo(10));
@@ -106,7 +109,7 @@ void drawButtons(Dice& dice, RandomMenu& menu, ByteImage& map, AlphaImage& pictu
         button.yEnd += int64_t(dice.upTo(20));
         button.xEnd = std::min<int64_t>(button.xEnd, 719);
         button.yEnd = std::min<int64_t>(button.yEnd, int64_t(height) - 1);
-        if (dice.oneIn(20)) button.xEnd = button.xStart + 1;   // nothing lies in it
+        if (dice.oneIn(10)) button.xEnd = button.xStart + 1;   // nothing lies in it
         menu.model.buttons.push_back(button);
     }
     for (uint64_t i = dice.upTo(4); i > 0; i--) {   // a picture beside the buttons
