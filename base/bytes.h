@@ -62,6 +62,17 @@ inline void orvPut32(uint8_t* to, uint64_t value)
     return uint32_t(from[0]) << 24 | uint32_t(from[1]) << 16 | uint32_t(from[2]) << 8 | from[3];
 }
 
+// Little-endian numbers, as files that are no disc structures have them.
+[[nodiscard]] inline uint32_t orvGetLittle16(const uint8_t* from)
+{
+    return uint32_t(from[1]) << 8 | from[0];
+}
+
+[[nodiscard]] inline uint32_t orvGetLittle32(const uint8_t* from)
+{
+    return orvGetLittle16(from + 2) << 16 | orvGetLittle16(from);
+}
+
 /** Stores value big-endian in a field of 1, 2 or 4 bytes; higher bits are dropped. */
 inline void orvPut(uint8_t* structure, const DiscField& field, uint64_t value)
 {

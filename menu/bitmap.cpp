@@ -2,6 +2,7 @@
 
 #include "menu/bitmap.h"
 
+#include "base/bytes.h"
 #include "base/files.h"
 #include "base/memory.h"
 #include "base/result.h"
@@ -25,16 +26,6 @@ struct BitmapHead {
     uint64_t width, height, bitsPerPixel;
 };
 
-static uint32_t get16(const uint8_t* from)
-{
-    return uint32_t(from[1]) << 8 | from[0];
-}
-
-static uint32_t get32(const uint8_t* from)
-{
-    return get16(from + 2) << 16 | get16(from);
-}
-
 uint64_t orvPictureHeight(int64_t videoStandard)
 {
     return videoStandard == STANDARD_PAL ? PICTURE_HEIGHT_PAL : PICTURE_HEIGHT_NTSC;
@@ -44,27 +35,26 @@ static uint64_t readHead(OSFILE file, BitmapHead* head)
 {
     uint8_t start[FILE_HEADER_BYTES], info[INFO_HEADER_BYTES];
     if (uint64_t error = osReadFile(file, start, sizeof start)) return error;
-    if (get16(start) != FILE_MARK) return ORV_INVALID_ARGUMENT;
+    if (orvGetLittle16(start) != FILE_MARK) return ORV_INVALID_ARGUMENT;
     // As many bytes are read of an old header, which has fewer.
     if (uint64_t error = osReadFile(file, info, sizeof info)) return error;
-    const bool core = get32(info) == CORE_HEADER_SIZE;
-    head->fileSize = get32(start + AT_FILE_SIZE);
-    head->dataOffset = get32(start + AT_DATA_OFFSET);
-    head->width = core ? get16(info + AT_WIDTH) : get32(info + AT_WIDTH);
-    head->height = core ? get16(info + AT_CORE_HEIGHT) : get32(info + AT_HEIGHT);
-    head->bitsPerPixel = get16(info + (core ? AT_CORE_BITS : AT_BITS));
+    const bool core = orvGetLittle32(info) == CORE_HEADER_SIZE;
+    head->fileSize = orvGetLittle32(start + AT_FILE_SIZE);
+    head->dataOffset = orvGetLittle32(start + AT_DATA_OFFSET);
+    head->width = core ? orvGetLittle16(info + AT_WIDTH) : orvGetLittle32(info + AT_WIDTH);
+    head->height = core ? orvGetLittle16(info + AT_CORE_HEIGHT) : orvGetLittle32(info + AT_HEIGHT);
+    head->bitsPerPixel = orvGetLittle16(info + (core ? AT_CORE_BITS : AT_BITS));
     return 0;
 }
 
-/** Reads the pixel array, or as much of it as a picture can need. */
+/** Reads the pixel array, or as much of it as a picture of 32 bits has. */
 static uint64_t readPixels(OSFILE file, const BitmapHead* head, uint8_t** pixels)
 {
     const uint64_t rowBytes = (PICTURE_WIDTH * head->bitsPerPixel + 31) / 32 * 4;
     const uint64_t claimed = head->fileSize > head->dataOffset ? head->fileSize - head->dataOffset : 0;
     if (claimed < rowBytes * head->height) return ORV_INVALID_ARGUMENT;
-    // No memory is taken for pixels that the file can't have, nor for what lies behind the picture. A bitmap of few
-    // bits a pixel may be taken for one of 8.
-    const uint64_t needed = std::min(claimed, std::max(rowBytes, PICTURE_WIDTH) * head->height);
+    // No memory is taken for pixels that the file can't have, nor for more than the deepest picture has.
+    const uint64_t needed = std::min(claimed, PICTURE_WIDTH * ALPHA_PIXEL_BYTES * head->height);
     uint64_t fileBytes = 0;
     if (uint64_t error = osFileSize(file, &fileBytes)) return error;
     if (fileBytes < head->fileSize) return OS_SHORT_READ;

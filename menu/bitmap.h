@@ -12,7 +12,8 @@ inline constexpr uint8_t VISIBLE_ALPHA = 32;                     // alpha from w
 [[nodiscard]] uint64_t orvPictureHeight(int64_t videoStandard);
 
 /** Reads a bitmap's pixels as they stand in the file, bottom line first, into a block that the caller owns. The block
-    holds at least height rows of the bitmap's own depth, each padded to four bytes. Palette and compression are not
+    holds the rows of the bitmap's own depth, each padded to four bytes, and perhaps what lies behind; of a bitmap of
+    more than 32 bits it holds as much as one of 32 has. Palette and compression are not
     looked at.
     @param bitsPerPixel  may be null
     @param pixels        null: nothing is done, a success
@@ -32,8 +33,8 @@ inline constexpr uint8_t VISIBLE_ALPHA = 32;                     // alpha from w
 {
     return uint32_t(pixel[2]) << 16 | uint32_t(pixel[1]) << 8 | pixel[0];
 }
-/** Whether a pixel of 32 bits shows in a button. Meant: pure black never does. Test: SubPicture.BlackIsNoPartOfAButton
- */
+/** Whether a pixel of 32 bits shows in a button.
+    Meant: pure black never does. Test: SubPicture.BlackIsNoPartOfAButton */
 [[nodiscard]] inline bool orvPixelVisible(const uint8_t* pixel)
 {
     return pixel[3] >= VISIBLE_ALPHA && orvPixelColor(pixel) != 0;

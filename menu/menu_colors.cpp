@@ -117,6 +117,7 @@ uint64_t orvFindButtonColor(const ColorCount* colorList, const uint8_t* alphaPix
 // ---- palette ------------------------------------------------------------------------------------------------------
 
 constexpr uint64_t PICKED_COLORS = 3;
+constexpr uint64_t ONE_COLOR_CENSUS = 2;   // entries of a census of one colour, and the transparent
 constexpr uint64_t FULL_CENSUS = 4;   // entries of a census whose colours fit the palette: three, and the transparent
 
 /** A palette word: bytes alpha, red, green, blue. */
@@ -235,7 +236,7 @@ static uint64_t settleColors(int64_t videoStandard, MenuDesc* menu, bool overlap
     const uint64_t count = osListCount(census);
     if (overlap) {
         setOverlapColors(menu);
-    } else if (count <= 2) {
+    } else if (count <= ONE_COLOR_CENSUS) {
         for (uint64_t set = 0; set < COLOR_SETS; set++) setLevels(menu, set, 1);
         setButtonColors(menu, 1);
     } else if (count <= FULL_CENSUS) {

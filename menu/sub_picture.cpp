@@ -88,8 +88,8 @@ uint64_t orvMapAlphaToIndex(int64_t videoStandard, const MenuDesc* menu, const c
     const uint64_t pixels = planeBytes(videoStandard);
     for (uint64_t i = 0; i < pixels; i++) {
         const uint8_t* pixel = alpha + i * ALPHA_PIXEL_BYTES;
-        // Meant: opaque black gets a code here, though it is no part of a button. Test:
-        // SubPicture.BlackCountsWithoutOverlap
+        // Meant: opaque black gets a code here, though it is no part of a button.
+        // Test: SubPicture.BlackCountsWithoutOverlap
         if (pixel[3] < VISIBLE_ALPHA) {
             indexPlane[i] = 0;
         } else {

@@ -94,6 +94,8 @@ static uint32_t fillButtons(const MenuDesc* menu, int64_t videoStandard, bool le
 
 // ---- menus --------------------------------------------------------------------------------------------------------
 
+constexpr uint64_t LARGEST_UNIT = 0xFFFF;   // bytes that a unit's size word can say
+
 static uint64_t makeCodes(int64_t videoStandard, const MenuDesc* menu, bool letterbox, uint8_t** codes)
 {
     uint8_t* unit = nullptr;
@@ -101,7 +103,9 @@ static uint64_t makeCodes(int64_t videoStandard, const MenuDesc* menu, bool lett
     const char16_t* alpha = letterbox ? menu->spuLetterbox32 : menu->subPicture32;
     if (uint64_t error = orvEncodeSubPicture(menu, bitmap, alpha, videoStandard, &unit)) return error;
     const uint64_t height = orvPictureHeight(videoStandard);
-    uint64_t result = osAllocMem(PICTURE_WIDTH * height, codes);
+    // A run writes such a unit, but no player can read it: its size and offsets don't fit their words.
+    uint64_t result = osMemSize(unit) > LARGEST_UNIT ? ORV_SUBPICTURE_TOO_LARGE : 0;
+    if (!result) result = osAllocMem(PICTURE_WIDTH * height, codes);
     if (!result) result = orvDecodeSubPicture(unit, osMemSize(unit), PICTURE_WIDTH, height, *codes);
     (void)osFreeMem(&unit);
     return result;

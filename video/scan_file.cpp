@@ -1,6 +1,7 @@
 // scan_file.cpp: loads a stream scan file, which a host has made while it prepared a title's stream, in place of a
 // scan.
 
+#include "base/bytes.h"
 #include "base/files.h"
 #include "base/memory.h"
 #include "base/result.h"
@@ -10,11 +11,6 @@
 constexpr uint64_t SCAN_FILE_MARK = 1;   // the first word; the second is the size of the stream in sectors
 constexpr uint64_t SCAN_FILE_HEADER = 8;
 
-static uint64_t littleEndian32(const uint8_t* from)
-{
-    return uint64_t(from[0]) | uint64_t(from[1]) << 8 | uint64_t(from[2]) << 16 | uint64_t(from[3]) << 24;
-}
-
 static uint64_t readScanFile(OSFILE file, VobuRecord** list, uint64_t* sectors)
 {
     uint64_t size = 0;
@@ -22,7 +18,7 @@ static uint64_t readScanFile(OSFILE file, VobuRecord** list, uint64_t* sectors)
     uint8_t header[SCAN_FILE_HEADER] = {};
     if (size < SCAN_FILE_HEADER) return ORV_INVALID_ARGUMENT;
     if (uint64_t error = osReadFile(file, header, SCAN_FILE_HEADER)) return error;
-    if (littleEndian32(header) != SCAN_FILE_MARK) return ORV_INVALID_ARGUMENT;
+    if (orvGetLittle32(header) != SCAN_FILE_MARK) return ORV_INVALID_ARGUMENT;
 
     const uint64_t records = (size - SCAN_FILE_HEADER) / sizeof(VobuRecord);   // an incomplete last one is dropped
     if (uint64_t error = osAllocMem(records * sizeof(VobuRecord), list)) return error;
@@ -30,7 +26,7 @@ static uint64_t readScanFile(OSFILE file, VobuRecord** list, uint64_t* sectors)
         (void)osFreeMem(list);
         return error;
     }
-    *sectors = littleEndian32(header + 4);
+    *sectors = orvGetLittle32(header + 4);
     return 0;
 }
 

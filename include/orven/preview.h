@@ -49,7 +49,8 @@ typedef uint32_t (*OrvMenuPreviewCall)(const OrvMenuPreview* menu, uint64_t user
  *  @param preview      is called once for each display form of each menu
  *  @param user         handed to preview unchanged
  *  @param logPath      null, or a file to which syntax errors of the project are appended
- *  @return 0; the codes that an authoring run has for the project or for the menu's bitmaps; 0x84000057 if projectPath
+ *  @return 0; the codes that an authoring run has for the project or for the menu's bitmaps; 0x840007DA for a
+ *          sub-picture above 65535 bytes, which a run writes and no player can read; 0x84000057 if projectPath
  *          or preview is null; a number of the platform */
 ORV_API uint64_t PreviewMenusW(const OrvWChar* projectPath, OrvMenuPreviewCall preview, uint64_t user,
                                const OrvWChar* logPath);

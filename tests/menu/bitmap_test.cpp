@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace {
 
 constexpr uint64_t NO_BITS = 999;
@@ -268,7 +270,9 @@ TEST(Bitmap, PixelArrayIsHeldAgainstItsOwnDepth)
         const ReadRun run = readBytes(rawBmp({ .bits = given.bits, .pixels = pixels }));
         EXPECT_EQ(run.result, 0u) << given.bits;
         EXPECT_EQ(run.bits, given.bits);
-        EXPECT_TRUE(run.pixels == pixels) << given.bits;
+        // Of more than 32 bits a pixel no more is read than a picture of 32 has.
+        const Bytes read(pixels.begin(), pixels.begin() + std::min<int64_t>(int64_t(given.bytes), 2880 * 480));
+        EXPECT_TRUE(run.pixels == read) << given.bits;
         const RawBmp small = { .bits = given.bits, .fileBytes = int64_t(54 + given.bytes - 1), .pixels = {} };
         EXPECT_EQ(readBytes(rawBmp(small)).result, ORV_INVALID_ARGUMENT) << given.bits;
         const RawBmp empty = { .bits = given.bits, .fileBytes = int64_t(54 + given.bytes), .pixels = {} };

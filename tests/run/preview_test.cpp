@@ -304,6 +304,26 @@ TEST(Preview, FailuresAreThoseOfARun)
     EXPECT_TRUE(preview.menus.empty());
 }
 
+// 340 lines of 360 pairs of single pixels take 360 bytes each, 61,200 in a field of 170; two fields are more than a
+// unit's size word can say.
+TEST(Preview, AUnitThatNoPlayerCanRead)
+{
+    DiscRun run;
+    ByteImage image(576);
+    for (uint64_t line = 100; line < 440; line++) {
+        for (uint64_t x = 0; x < 720; x++) image.at(x, line) = x % 2 ? 1 : 2;
+    }
+    MenuSpec menu;
+    menu.subPicture = bmpFile(image);
+    MenuDisc disc;
+    disc.manager = { menu };
+    const std::string project = menuProject(run, disc);
+    const Preview preview = previewOf(run, project);
+    EXPECT_EQ(0x840007DAu, preview.result);
+    EXPECT_TRUE(preview.menus.empty());
+    EXPECT_EQ(0u, run.author(project));   // a run writes it all the same
+}
+
 TEST(Preview, WideAndNarrowAlike)
 {
     DiscRun run;
