@@ -32,7 +32,7 @@ struct Dice {
 
 // A menu, and what it has to show.
 struct RandomMenu {
-    MenuSpec spec;
+    MenuSpec files;
     bool piped = false;
     MenuModel model;
     std::vector<ByteImage> codes;   // of the sub-picture, then of its letterbox form
@@ -139,9 +139,9 @@ void makePiped(Dice& dice, RandomMenu& menu, bool pair, uint64_t height)
     ByteImage map(height);
     AlphaImage picture(height);
     drawButtons(dice, menu, map, picture, colors);
-    for (uint64_t i = 0; i < menu.model.buttons.size(); i++) menu.spec.keys += buttonKey(i + 1, menu.model.buttons[i]);
-    menu.spec.subPicture = bmpFile(map);
-    menu.spec.subPicture32 = bmpFile(picture);
+    for (uint64_t i = 0; i < menu.model.buttons.size(); i++) menu.files.keys += buttonKey(i + 1, menu.model.buttons[i]);
+    menu.files.subPicture = bmpFile(map);
+    menu.files.subPicture32 = bmpFile(picture);
     menu.model.prepare(map, picture);
     menu.codes.push_back(menu.model.codes(map, picture));
     if (!pair) return;
@@ -151,8 +151,8 @@ void makePiped(Dice& dice, RandomMenu& menu, bool pair, uint64_t height)
         letterboxMap.fill(box.x, box.y, box.w, box.h, uint8_t(dice.upTo(menu.model.buttons.size() + 2)));
     }
     const AlphaImage letterbox = letterboxPicture(dice, colors, height);
-    menu.spec.letterbox = bmpFile(letterboxMap);
-    menu.spec.letterbox32 = bmpFile(letterbox);
+    menu.files.letterbox = bmpFile(letterboxMap);
+    menu.files.letterbox32 = bmpFile(letterbox);
     menu.codes.push_back(menu.model.codes(letterboxMap, letterbox));
 }
 
@@ -161,11 +161,11 @@ void makeFinished(Dice& dice, RandomMenu& menu, bool pair, uint64_t height)
     for (uint64_t i = dice.upTo(36); i > 0; i--) {
         const int64_t x = int64_t(dice.upTo(600)), y = int64_t(dice.upTo(height - 100));
         menu.model.buttons.push_back({ x, x + int64_t(dice.upTo(119)), y, y + int64_t(dice.upTo(99)), dice.upTo(5) });
-        menu.spec.keys += buttonKey(menu.model.buttons.size(), menu.model.buttons.back());
+        menu.files.keys += buttonKey(menu.model.buttons.size(), menu.model.buttons.back());
     }
     for (uint64_t i = 0; i < (pair ? 2u : 1u); i++) {
         ByteImage codes = randomCodes(dice, height);
-        (i ? menu.spec.letterbox.emplace() : menu.spec.subPicture) = bmpFile(codes);
+        (i ? menu.files.letterbox.emplace() : menu.files.subPicture) = bmpFile(codes);
         for (uint8_t& code : codes.pixels) code &= 3;
         menu.codes.push_back(codes);
     }
@@ -174,7 +174,7 @@ void makeFinished(Dice& dice, RandomMenu& menu, bool pair, uint64_t height)
 void makeBackground(Dice& dice, RandomMenu& menu, int64_t standard, bool sound)
 {
     if (dice.oneIn(2)) {
-        menu.spec.background = stillAsset(dice.between(100, 9000));
+        menu.files.background = stillAsset(dice.between(100, 9000));
         return;
     }
     menu.animated = true;
@@ -188,13 +188,13 @@ void makeBackground(Dice& dice, RandomMenu& menu, int64_t standard, bool sound)
     }
     if (sound) movie.streams = { ac3Stream() };
     const Movie asset = animatedAsset(movie);
-    menu.spec.background = asset.bytes;
-    menu.spec.keys += "type=animated\n";
+    menu.files.background = asset.bytes;
+    menu.files.keys += "type=animated\n";
     const uint64_t loop = asset.vobus[dice.upTo(asset.vobus.size() - 1)].scr;
     switch (dice.upTo(3)) {
-    case 0: menu.spec.keys += "loop=1\n"; break;
-    case 1: menu.spec.keys += loop > 1 ? "loop=" + std::to_string(loop) + "\n" : ""; break;
-    case 2: menu.spec.keys += "delay=" + std::to_string(loop) + "\n"; break;
+    case 0: menu.files.keys += "loop=1\n"; break;
+    case 1: menu.files.keys += loop > 1 ? "loop=" + std::to_string(loop) + "\n" : ""; break;
+    case 2: menu.files.keys += "delay=" + std::to_string(loop) + "\n"; break;
     default: break;
     }
 }
@@ -210,7 +210,7 @@ RandomMenu randomMenu(Dice& dice, bool pal, bool sound)
     } else {
         makePiped(dice, menu, pair, height);
     }
-    menu.spec.keys += "buttons=" + std::to_string(menu.model.buttons.size()) + "\n";
+    menu.files.keys += "buttons=" + std::to_string(menu.model.buttons.size()) + "\n";
     return menu;
 }
 
@@ -285,7 +285,7 @@ void count(const RandomMenu& menu, Totals& totals)
     totals.overlaps += menu.model.overlap;
     totals.manyColors += menu.model.manyColors && !menu.model.overlap;
     totals.fewColors += menu.piped && !menu.model.manyColors && !menu.model.overlap;
-    totals.loops += menu.spec.keys.find("loop=") != std::string::npos;
+    totals.loops += menu.files.keys.find("loop=") != std::string::npos;
 }
 
 void authorRandomDisc(uint64_t seed, Totals& totals)
@@ -305,7 +305,7 @@ void authorRandomDisc(uint64_t seed, Totals& totals)
             // A button in whose rectangle nothing lies ends the run; most discs are without.
             while (menu.model.emptyButton && !dice.oneIn(3)) menu = randomMenu(dice, pal, sound);
             fails = fails || menu.model.emptyButton;
-            (domain.manager ? disc.manager : disc.titleSet).push_back(menu.spec);
+            (domain.manager ? disc.manager : disc.titleSet).push_back(menu.files);
             menus[domain.manager].push_back(menu);
         }
     }

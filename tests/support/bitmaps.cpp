@@ -95,7 +95,8 @@ Bytes bmpFile(const AlphaImage& image, const BmpSpec& form)
         const uint64_t row = form.dataOffset + storedLine(line, image.height, form) * rowBytes;
         for (uint64_t x = 0; x < image.width; x++) {
             const Rgba& pixel = image.at(x, line);
-            put(file, row + 4 * x, pixel.blue | pixel.green << 8 | pixel.red << 16 | uint64_t(pixel.alpha) << 24, 4);
+            put(file, row + 4 * x,
+                pixel.blue | uint64_t(pixel.green) << 8 | uint64_t(pixel.red) << 16 | uint64_t(pixel.alpha) << 24, 4);
         }
     }
     return file;
