@@ -4,8 +4,7 @@
 
 #include <cstdint>
 
-// A platform file: a HANDLE on Windows, a file descriptor elsewhere. 0 is "not open".
-typedef uint64_t OSFILE;
+#include <orven/types.h>
 
 //                               access      sharing             creation
 enum OsFileMode : uint64_t {

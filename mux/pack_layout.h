@@ -36,6 +36,7 @@ inline constexpr DiscField PACK_FIELDS[]      = { PACK_SCR,       PACK_MUX_RATE,
 static_assert(orvFieldsFit(PACK_FIELDS, SECTOR_BYTES));
 
 inline constexpr uint8_t PES_HAS_PTS = 0x80;     // in PES_header_flags
+inline constexpr uint8_t PES_MARK = 0x81;        // the byte in front of the flags
 inline constexpr uint64_t PES_DATA = 23;         // a payload begins here plus PES_header_data_length
 inline constexpr uint64_t PES_LENGTH_BASE = 3;   // bytes of PES_packet_length that are neither header data nor payload
 

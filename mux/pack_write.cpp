@@ -69,10 +69,7 @@ void orvStillSystemHeader(uint8_t* pack, uint64_t rate)
     putSystemHeader(pack, rate, STILL_BOUNDS, sizeof STILL_BOUNDS);
 }
 
-// Lead of a time stamp: its upper four bits say which stamp it is.
-constexpr uint8_t LEAD_PTS = 0x21, LEAD_PTS_OF_TWO = 0x31, LEAD_DTS = 0x11;
-
-static void putTimeStamp(uint8_t* to, uint8_t lead, uint64_t ticks)
+void orvPutTimeStamp(uint8_t* to, uint8_t lead, uint64_t ticks)
 {
     to[0] = uint8_t((ticks >> 29 & 0x06) | lead);
     to[1] = uint8_t(ticks >> 22);
@@ -86,7 +83,6 @@ constexpr uint64_t EXTENSION_BYTES = 3;
 constexpr uint8_t VIDEO_BUFFER[EXTENSION_BYTES] = { 0x1E, 0x60, 0xE8 };         // 232 x 1024 bytes
 constexpr uint8_t SUB_PICTURE_BUFFER[EXTENSION_BYTES] = { 0x1E, 0x60, 0x3A };   // 58 x 1024 bytes
 
-constexpr uint8_t PES_MARK = 0x81;   // the byte in front of the flags
 constexpr uint8_t PES_PTS_EXTENSION = 0x81, PES_PTS_DTS_EXTENSION = 0xC1;
 
 /** Flags and what follows them. @return bytes of header data */
@@ -95,14 +91,14 @@ static uint64_t putPesTimes(uint8_t* pack, uint64_t pts, uint64_t dts)
     uint8_t* to = pack + PES_DATA;
     if (dts != 0) {
         orvPut(pack, PACK_PES_FLAGS, PES_PTS_DTS_EXTENSION);
-        putTimeStamp(to, LEAD_PTS_OF_TWO, pts);
-        putTimeStamp(to + TIME_STAMP_BYTES, LEAD_DTS, dts);
+        orvPutTimeStamp(to, LEAD_PTS_OF_TWO, pts);
+        orvPutTimeStamp(to + TIME_STAMP_BYTES, LEAD_DTS, dts);
         osCopyMem(to + 2 * TIME_STAMP_BYTES, VIDEO_BUFFER, EXTENSION_BYTES);
         return 2 * TIME_STAMP_BYTES + EXTENSION_BYTES;
     }
     if (pts != 0) {
         orvPut(pack, PACK_PES_FLAGS, PES_PTS_EXTENSION);
-        putTimeStamp(to, LEAD_PTS, pts);
+        orvPutTimeStamp(to, LEAD_PTS, pts);
         osCopyMem(to + TIME_STAMP_BYTES, SUB_PICTURE_BUFFER, EXTENSION_BYTES);
         return TIME_STAMP_BYTES + EXTENSION_BYTES;
     }

@@ -29,5 +29,10 @@ void orvBuildPes(uint8_t* pack, uint8_t streamId, uint8_t subStreamId, uint64_t 
     @param capacity, subHeaderSize  as orvBuildPes gave them */
 void orvPadPack(uint8_t* pack, uint64_t have, uint64_t capacity, uint64_t subHeaderSize, uint8_t** payload);
 
+// Lead of a time stamp: its upper four bits say which stamp it is.
+inline constexpr uint8_t LEAD_PTS = 0x21, LEAD_PTS_OF_TWO = 0x31, LEAD_DTS = 0x11;
+/** The five bytes of a PTS or DTS; bit 32 is not stored. */
+void orvPutTimeStamp(uint8_t* to, uint8_t lead, uint64_t ticks);
+
 /** A padding packet of 6 + length bytes; length is at most 65535. */
 void orvPaddingPacket(uint8_t* where, uint64_t length);

@@ -16,14 +16,8 @@ typedef wchar_t OrvWChar;
 typedef char16_t OrvWChar;
 #endif
 
-/* ORVEN_BUILD is set while the library itself is built. */
-#if defined(_WIN32) && !defined(ORVEN_BUILD)
-#define ORV_API __declspec(dllimport)
-#elif defined(_WIN32)
-#define ORV_API
-#else
-#define ORV_API __attribute__((visibility("default")))
-#endif
+/* A platform file: a HANDLE on Windows, a file descriptor elsewhere. 0 is "not open". */
+typedef uint64_t OSFILE;
 
 #ifdef __cplusplus
 #define ORV_BEGIN_DECLS extern "C" {
@@ -31,6 +25,18 @@ typedef char16_t OrvWChar;
 #else
 #define ORV_BEGIN_DECLS
 #define ORV_END_DECLS
+#endif
+
+/** Receives a piece of a stream; the data live until it returns. @return 0 to go on, any other value is a failure */
+typedef uint64_t (*OrvUnit)(const uint8_t* data, uint64_t bytes, uint64_t user);
+
+/* ORVEN_BUILD is set while the library itself is built. */
+#if defined(_WIN32) && !defined(ORVEN_BUILD)
+#define ORV_API __declspec(dllimport)
+#elif defined(_WIN32)
+#define ORV_API
+#else
+#define ORV_API __attribute__((visibility("default")))
 #endif
 
 #endif
