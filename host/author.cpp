@@ -3,25 +3,14 @@
 
 #include "cli.h"
 #include "codes.h"
+#include "interrupt.h"
 #include "platform.h"
 #include "progress.h"
 #include "report.h"
 #include "run_log.h"
 #include "text.h"
 
-#include <atomic>
-#include <csignal>
-
 namespace fs = std::filesystem;
-
-static std::atomic<bool> interrupted{ false };
-
-// The first Ctrl-C lets the run end by itself; a second one ends the program at once.
-extern "C" void onInterrupt(int)
-{
-    interrupted = true;
-    std::signal(SIGINT, SIG_DFL);
-}
 
 static int checkUsage(const AuthorOptions& options)
 {
@@ -50,12 +39,12 @@ static uint32_t onProgress(uint32_t total, uint32_t done, uint32_t kind, uint64_
     const uint64_t columns = display->mode == PROGRESS_BAR ? platformTerminalColumns() : 0;
     const std::string text = progressStep(display, total, done, kind, columns);
     if (!text.empty()) platformPrintError(text);
-    return interrupted ? 1 : 0;
+    return isInterrupted() ? 1 : 0;
 }
 
 static int reportFailure(const AuthorOptions& options, const ProjectFile& project, const RunOutcome& outcome)
 {
-    const bool canceled = outcome.code == CODE_CANCELED && interrupted;
+    const bool canceled = outcome.code == CODE_CANCELED && isInterrupted();
     std::string text = failureText(options.project, project, outcome);
     text += canceled ? "  the disc in " + printablePath(options.target) + " is not finished\n" : moreLine(outcome.code);
     platformPrintError(text);
@@ -99,7 +88,7 @@ static int runWithLog(const AuthorOptions& options, const fs::path& log)
 
 int runAuthor(const AuthorOptions& options)
 {
-    std::signal(SIGINT, onInterrupt);
+    watchForInterrupt();
     if (const int refused = checkUsage(options)) return refused;
     if (const int failed = makeFolder(options.target)) return failed;
     return withLog(options.log, [&](const fs::path& log) { return runWithLog(options, log); });

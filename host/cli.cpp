@@ -3,6 +3,7 @@
 
 #include "author.h"
 #include "explain.h"
+#include "mux.h"
 #include "platform.h"
 #include "preview.h"
 #include "text.h"
@@ -17,7 +18,7 @@ static constexpr size_t TEXT_COLUMNS = 88;   // the help is as wide
 static const char DESCRIPTION[] = R"(orven writes the tables and the navigation data of a DVD-Video disc.
 
 A project file, in INI form, describes the disc; finished movies lie where the disc is
-to be. The result is a VIDEO_TS folder that players read.
+to be; `orven mux` makes them. The result is a VIDEO_TS folder that players read.
 )";
 
 static const char FOOTER[] = R"(Examples:
@@ -25,6 +26,8 @@ static const char FOOTER[] = R"(Examples:
       authors the disc that project.ini describes
   orven author project.ini --target new/VIDEO_TS --previous disc/VIDEO_TS
       authors again; title sets with `skipvts=1` are taken from the earlier disc
+  orven mux -o disc/VIDEO_TS/VTS_01_1.VOB --video film.m2v --audio film.ac3
+      makes a movie of elementary streams
   orven preview project.ini --out pictures
       shows the menus as PNG pictures, before a disc is made
   orven explain 1012
@@ -70,6 +73,19 @@ A viewer sees one button highlighted at a time. With --button 3 the pictures of 
 highlight show button 3 alone, as vts01-menu2-button3-selected.png: needed where buttons
 overlap. Movies and backgrounds need not be there.)";
 
+static const char MUX_FOOTER[] =
+    R"(VIDEO is an MPEG-2 elementary stream of PAL or NTSC, with a group header in front of each
+I picture, as encoders for DVD make it. A sound is AC-3, MPEG audio of layer 2 or LPCM in
+RIFF/WAVE (16 bits, one or two channels), each of 48000 samples a second. The kind of a
+file is told by its bytes; its name does not matter.
+
+Repeat --audio for up to eight sounds; their order is that of the tracks. Picture and sound
+begin together. All of them must fit into 10.08 Mbit/s.
+
+OUT is written over if it is there. It is a movie that a project can name as `source`:
+  orven mux -o disc/VIDEO_TS/VTS_01_1.VOB --video film.m2v --audio film.ac3
+  orven author project.ini --target disc/VIDEO_TS)";
+
 static const char EXPLAIN_FOOTER[] = R"(CODE is the number of a message, 1012, or a whole result as a program gets it,
 0x840003F4 or 2214593524. Numbers below 1000 are those of the operating system.)";
 
@@ -79,9 +95,10 @@ static fs::path toPath(const std::string& utf8)
 }
 
 struct CommandLine {
-    std::string project, target, previous, log, out, code;
+    std::string project, target, previous, log, out, code, video, scanFile;
+    std::vector<std::string> sounds;
     uint32_t button = 0;
-    bool quiet = false;
+    bool pal = false, ntsc = false, quiet = false;
 };
 
 static void addProject(CLI::App* command, CommandLine* line)
@@ -89,11 +106,16 @@ static void addProject(CLI::App* command, CommandLine* line)
     command->add_option("PROJECT", line->project, "The project file")->required()->type_name("");
 }
 
+static void addQuiet(CLI::App* command, CommandLine* line)
+{
+    command->add_flag("-q,--quiet", line->quiet, "Print nothing but failures");
+}
+
 static void addReporting(CLI::App* command, CommandLine* line)
 {
     command->add_option("-l,--log", line->log, "File to which the library appends what it finds wrong")
         ->type_name("FILE");
-    command->add_flag("-q,--quiet", line->quiet, "Print nothing but failures");
+    addQuiet(command, line);
 }
 
 static void addAuthor(CLI::App* app, CommandLine* line)
@@ -123,6 +145,35 @@ static void addPreview(CLI::App* app, CommandLine* line)
     preview->footer(PREVIEW_FOOTER);
 }
 
+static void addMux(CLI::App* app, CommandLine* line)
+{
+    CLI::App* mux = app->add_subcommand("mux", "Make a movie of elementary streams")->group("Commands");
+    mux->add_option("-o,--out", line->out, "The movie, a program stream")->required()->type_name("OUT");
+    mux->add_option("-v,--video", line->video, "Its pictures")->required()->type_name("VIDEO");
+    mux->add_option("-a,--audio", line->sounds, "A sound; the option may be repeated")
+        ->type_name("FILE")
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    mux->add_flag("--pal", line->pal, "Refuse video that is not PAL");
+    mux->add_flag("--ntsc", line->ntsc, "Refuse video that is not NTSC");
+    mux->add_option("--scan-file", line->scanFile, "Kept for a later version")->type_name("FILE");
+    addQuiet(mux, line);
+    mux->footer(MUX_FOOTER);
+}
+
+static int runMux(const CommandLine& line)
+{
+    MuxOptions options;
+    options.out = toPath(line.out);
+    options.video = toPath(line.video);
+    options.scanFile = toPath(line.scanFile);
+    for (const std::string& sound : line.sounds) options.sounds.push_back(toPath(sound));
+    options.pal = line.pal;
+    options.ntsc = line.ntsc;
+    options.quiet = line.quiet;
+    return runMux(options);
+}
+
 static void addExplain(CLI::App* app, CommandLine* line)
 {
     CLI::App* explain = app->add_subcommand("explain", "Tell what a result code means")->group("Commands");
@@ -146,6 +197,7 @@ static int runExplain(const std::string& text)
 static int runCommand(const CLI::App& app, const CommandLine& line)
 {
     if (app.got_subcommand("explain")) return runExplain(line.code);
+    if (app.got_subcommand("mux")) return runMux(line);
     if (app.got_subcommand("preview")) {
         return runPreview({ toPath(line.project), toPath(line.out), toPath(line.log), line.button, line.quiet });
     }
@@ -163,6 +215,7 @@ int runCommandLine(const std::vector<std::string>& arguments)
     app.get_formatter()->label("SUBCOMMAND", "COMMAND");
     app.footer(FOOTER);
     addAuthor(&app, &line);
+    addMux(&app, &line);
     addPreview(&app, &line);
     addExplain(&app, &line);
     if (arguments.empty()) {

@@ -30,6 +30,9 @@ inline constexpr uint64_t CODE_UNKNOWN_CHAR = libraryCode(1000), CODE_WRONG_CHAR
                           CODE_OLD_IFO = libraryCode(2020), CODE_MENU_MOVIE_ENDS = libraryCode(2022),
                           CODE_MENU_ASSET = libraryCode(2031), CODE_NOT_8BIT = libraryCode(2033),
                           CODE_NOT_32BIT = libraryCode(2034), CODE_EMPTY_BUTTON = libraryCode(2037),
+                          CODE_SOUND_LAYER = libraryCode(3001), CODE_SOUND_RATE = libraryCode(3002),
+                          CODE_LPCM_FORMAT = libraryCode(3006), CODE_MUX_UNDERRUN = libraryCode(3008),
+                          CODE_VIDEO_STANDARD = libraryCode(3010), CODE_MUX_OVERFLOW = libraryCode(3017),
                           CODE_WRITE_FAILED = libraryCode(4019), CODE_READ_FAILED = libraryCode(4020);
 
 inline constexpr uint64_t CODE_INVALID_ARGUMENT = libraryCode(87), CODE_TITLE_SET_SKIPPED = libraryCode(1099);

@@ -21,6 +21,10 @@ uint64_t platformAuthor(const RunRequest& request);
 uint64_t platformPreview(const std::filesystem::path& project, OrvMenuPreviewCall preview, uint64_t user,
                          const std::filesystem::path& log);
 
+/** Registers a stream that the multiplexer reads from a file by itself. */
+uint64_t platformAddFileStream(MuxContext* handle, const std::filesystem::path& path, uint64_t flags,
+                               MuxStream** stream);
+
 /** Text of a result in UTF-8; empty if it has none. */
 std::string platformResultText(uint64_t code);
 

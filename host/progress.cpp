@@ -72,6 +72,20 @@ std::string progressStep(ProgressDisplay* display, uint32_t total, uint32_t done
     return percentOf(done, total) + "  " + name + "\n";
 }
 
+std::string progressWork(ProgressDisplay* display, const std::string& name, uint32_t total, uint32_t done,
+                         uint64_t columns)
+{
+    if (display->mode == PROGRESS_NONE) return "";
+    if (display->mode == PROGRESS_BAR) {
+        return redraw(display, progressLine(name, done, total, columns > 1 ? columns - 1 : 1));
+    }
+    const uint64_t tenths = total == 0 ? 0 : std::min<uint64_t>(done, total) * 10 / total;
+    const std::string line = percentOf(uint32_t(tenths), 10) + "  " + name + "\n";
+    if (line == display->shown) return "";
+    display->shown = line;
+    return line;
+}
+
 std::string progressEnd(ProgressDisplay* display)
 {
     const bool standing = display->mode == PROGRESS_BAR && !display->shown.empty();

@@ -28,5 +28,9 @@ std::string progressLine(const std::string& name, uint32_t done, uint32_t total,
  *  @return what is to be written now; empty if nothing has changed */
 std::string progressStep(ProgressDisplay* display, uint32_t total, uint32_t done, uint32_t kind, uint64_t columns);
 
+/** The same for work of a single stage: a bar on a terminal, elsewhere a line at each tenth. */
+std::string progressWork(ProgressDisplay* display, const std::string& name, uint32_t total, uint32_t done,
+                         uint64_t columns);
+
 /** @return what ends the display, so that the next output starts on a line of its own */
 std::string progressEnd(ProgressDisplay* display);

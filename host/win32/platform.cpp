@@ -23,6 +23,12 @@ uint64_t platformAuthor(const RunRequest& request)
                          request.user, request.log.c_str());
 }
 
+uint64_t platformAddFileStream(MuxContext* handle, const std::filesystem::path& path, uint64_t flags,
+                               MuxStream** stream)
+{
+    return AddFileStream(handle, path.c_str(), flags, stream);
+}
+
 uint64_t platformPreview(const std::filesystem::path& project, OrvMenuPreviewCall preview, uint64_t user,
                          const std::filesystem::path& log)
 {

@@ -3,6 +3,7 @@
 #define ORVEN_ORVEN_H
 
 #include <orven/authoring.h>
+#include <orven/mux.h>
 #include <orven/preview.h>
 #include <orven/results.h>
 #include <orven/types.h>
