@@ -12,6 +12,8 @@
 #include "report.h"
 #include "text.h"
 
+#include <cstdio>
+
 namespace fs = std::filesystem;
 
 static constexpr size_t MOST_SOUNDS = 8;
@@ -113,8 +115,8 @@ static int openSources(MuxRun* run)
 static void openOutput(MuxOutput* output)
 {
     if (output->made) return;
-    output->made = true;
     output->out.open(output->path, std::ios::binary | std::ios::trunc);
+    output->made = output->out.is_open();
 }
 
 static uint64_t onSectors(uint64_t user, const uint8_t* sectors, uint64_t bytes)
@@ -142,9 +144,19 @@ static void showProgress(MuxRun* run)
     if (!text.empty()) platformPrintError(text);
 }
 
+// What concerns all streams together, and where in the movie.
+static int reportMisfit(const MuxRun& run, uint64_t code)
+{
+    char second[32];
+    std::snprintf(second, sizeof second, "%.1f", deliveredSeconds(run.sources[0]));
+    return reportFault(run.output.path,
+                       { code, "the streams do not fit together, near second " + std::string(second) });
+}
+
 static int reportStop(MuxRun* run, const fs::path& path, const StreamFault& fault)
 {
     platformPrintError(progressEnd(&run->display));
+    if (fault.code == CODE_MUX_UNDERRUN || fault.code == CODE_MUX_OVERFLOW) return reportMisfit(*run, fault.code);
     if (run->output.refused) return reportFault(run->output.path, { CODE_WRITE_FAILED, "the file can't be written" });
     return reportFault(path, fault);
 }
@@ -162,6 +174,9 @@ static int feedAll(MuxContext* handle, MuxRun* run)
         if (isInterrupted()) return reportInterrupt(run);
         if (StreamFault fault = deliverNext(handle, &run->sources, source)) return reportStop(run, source->path, fault);
         showProgress(run);
+    }
+    for (const MuxSource& source : run->sources) {
+        if (!source.ended) return reportStop(run, source.path, { CODE_MUX_UNDERRUN, "it is not taken any more" });
     }
     return EXIT_DONE;
 }
@@ -194,7 +209,7 @@ static int runMultiplexer(MuxRun* run)
     run->output.given = failed != EXIT_DONE;
     const uint64_t error = ExitMuxer(handle);
     if (failed) return failed;
-    if (error) return reportStop(run, run->sources[0].path, { error, "the multiplexer has stopped at its end" });
+    if (error) return reportStop(run, run->sources[0].path, { error, "the multiplexer can't end" });
     platformPrintError(progressEnd(&run->display));
     return endOutput(run);
 }

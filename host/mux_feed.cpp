@@ -66,6 +66,13 @@ static int64_t packableTicks(const MuxSource& source)
     return int64_t(units * source.format.unitTicks);
 }
 
+double deliveredSeconds(const MuxSource& source)
+{
+    const bool video = source.format.kind == STREAM_VIDEO;
+    const uint64_t units = video ? source.watch.pictures : source.delivered / source.format.unitBytes;
+    return double(units * source.format.unitTicks) / double(TICKS_A_SECOND);
+}
+
 MuxSource* nextSource(std::vector<MuxSource>* sources)
 {
     MuxSource* next = nullptr;
@@ -92,7 +99,7 @@ static uint64_t leftOf(const MuxSource& source)
 
 static StreamFault resultOf(uint64_t code)
 {
-    return code ? StreamFault{ code, "the multiplexer has stopped at this stream" } : StreamFault{};
+    return code ? StreamFault{ code, "the multiplexer goes no further" } : StreamFault{};
 }
 
 static StreamFault giveChunk(MuxContext* handle, MuxSource* source, const std::vector<uint8_t>& chunk)

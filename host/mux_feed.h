@@ -30,6 +30,9 @@ StreamFault openSource(MuxSource* source);
 /** Registers the stream of a source. LPCM tells its format at once. @return a result of the library */
 uint64_t addSource(MuxContext* handle, MuxSource* source);
 
+/** Seconds of the movie that a source's delivered bytes make. */
+double deliveredSeconds(const MuxSource& source);
+
 /** The source whose turn it is; null if all have ended. */
 MuxSource* nextSource(std::vector<MuxSource>* sources);
 

@@ -2,6 +2,7 @@
 // tables say is held against what the files hold.
 
 #include "tests/readers/material.h"
+#include "tests/readers/mux_rig.h"
 
 #include <gtest/gtest.h>
 
@@ -234,6 +235,18 @@ TEST(DvdRead, SourceCutAtAnOddByteGivesTheSameDisc)
     for (const char* name : { "VTS_01_0.IFO", "VTS_01_0.BUP" }) {
         std::ifstream a(whole.file(name), std::ios::binary), b(cut.file(name), std::ios::binary);
         EXPECT_TRUE(std::equal(std::istreambuf_iterator<char>(a), {}, std::istreambuf_iterator<char>(b), {})) << name;
+    }
+}
+
+TEST(DvdRead, MultiplexedMovie)
+{
+    for (const Standard standard : { PAL, NTSC }) {
+        SCOPED_TRACE(standard);
+        const Bytes sound = bytesOf(realSound("-c:a ac3 -b:a 192k -ac 2", "ac3", 3));
+        const Bytes movie =
+            multiplex({ { ORV_MUX_VIDEO, bytesOf(realVideo(standard, 3)) }, { ORV_MUX_AC3, sound, {}, true } });
+        const Disc disc(standard, { { .keys = "chapters=2\nchapter2=120000\n", .movie = shelve(movie) } });
+        expectDisc(disc, 1, { 2 }, true);
     }
 }
 

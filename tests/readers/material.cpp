@@ -147,7 +147,8 @@ static std::string vobName(uint64_t titleSet, uint64_t part)
 /** Puts the movie into its source files. @return the keys that name them */
 static std::string placeSources(const fs::path& folder, Standard standard, const TitleSetPlan& plan, uint64_t titleSet)
 {
-    std::ifstream in(realMovie(standard, plan.pattern, plan.seconds), std::ios::binary);
+    const fs::path& source = plan.movie.empty() ? realMovie(standard, plan.pattern, plan.seconds) : plan.movie;
+    std::ifstream in(source, std::ios::binary);
     const std::string movie((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
     std::string keys;
     uint64_t from = 0;

@@ -34,6 +34,7 @@ struct TitleSetPlan {
     std::string keys = {};   // further lines of its section, as "postcmd=next\n"
     // Bytes at which the movie is cut into several source files; VTS_nn_1.VOB, _2.VOB ...
     std::vector<uint64_t> cuts = {};
+    std::filesystem::path movie = {};   // this one, not a realMovie
 };
 
 // An authored disc in a folder of its own, removed with the record.
