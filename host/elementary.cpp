@@ -69,7 +69,8 @@ static constexpr uint64_t LAYER2_TICKS = 2160, LAYER2_BYTES_PER_KBIT = 3;   // 1
 static constexpr uint8_t NOT_48_KHZ = 0xC0;                                 // bits of AC-3's fifth byte
 static constexpr uint8_t LAST_AC3_VERSION = 10;                             // above: another coding with the same sync
 
-uint64_t ac3FrameBytes(uint8_t sizeCode)
+/** By its size code; 0 if that stands for none at 48 kHz. */
+static uint64_t ac3FrameBytes(uint8_t sizeCode)
 {
     static constexpr uint16_t rates[] = { 32,  40,  48,  56,  64,  80,  96,  112, 128, 160,
                                           192, 224, 256, 320, 384, 448, 512, 576, 640 };   // kbit/s

@@ -42,8 +42,5 @@ StreamFault recogniseStream(std::istream& in, uint64_t bytes, StreamFormat* form
 /** "AC-3, 192 kbit/s". */
 std::string streamText(const StreamFormat& format);
 
-/** Size of an AC-3 frame by its sixth byte in front of all: 0 if the code stands for none at 48 kHz. */
-uint64_t ac3FrameBytes(uint8_t sizeCode);
-
-/** Whether a frame begins like those of the stream: head holds its first five bytes. */
+/** Whether a frame of AC-3 or layer 2 begins like those of the stream: head holds its first six bytes. */
 bool isFrameOf(const StreamFormat& format, const uint8_t* head);

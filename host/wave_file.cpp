@@ -33,6 +33,12 @@ static void makePlain(uint8_t* chunk, uint64_t bytes)
     chunk[1] = chunk[AT_SUB_FORMAT + 1];
 }
 
+/** Bytes of one sample of all channels. */
+static uint64_t blockOf(const StreamFormat& format)
+{
+    return format.channels * ((format.bits + 7) / 8);
+}
+
 static StreamFault readFormat(std::istream& in, uint64_t size, StreamFormat* format)
 {
     uint8_t chunk[EXTENSIBLE_BYTES] = {};
@@ -44,7 +50,7 @@ static StreamFault readFormat(std::istream& in, uint64_t size, StreamFormat* for
     format->channels = little(chunk + AT_CHANNELS, 2);
     format->rate = little(chunk + AT_RATE, 4);
     format->bits = little(chunk + AT_BITS, 2);
-    const uint64_t sample = format->channels * (format->bits / 8);
+    const uint64_t sample = blockOf(*format);
     if (little(chunk, 2) == TAG_PCM && little(chunk + AT_BLOCK, 2) != sample) {
         return { 0, "its `fmt ` chunk contradicts itself: channels and bits do not make the block size" };
     }
@@ -56,7 +62,8 @@ static StreamFault readFormat(std::istream& in, uint64_t size, StreamFormat* for
 // What the library itself refuses is left to it: its codes say more.
 static StreamFault checkSamples(StreamFormat* format)
 {
-    const uint64_t block = format->channels * (format->bits / 8);
+    const uint64_t block = blockOf(*format);
+    if (little(format->wave.data(), 2) != TAG_PCM) return {};
     if (block == 0 || format->unitBytes == 0) return { CODE_LPCM_FORMAT, "its `fmt ` chunk tells of no samples" };
     format->bytes -= format->bytes % block;
     const bool packed = format->bits == 24 && (format->channels == 1 || format->channels == 2);
@@ -70,21 +77,33 @@ static StreamFault checkSamples(StreamFormat* format)
     return {};
 }
 
+/** A program that writes into a pipe knows no sizes, and leaves the largest number or 0 in all of them. */
+static bool isUnknown(uint64_t size, uint64_t riffSize)
+{
+    return size == UINT32_MAX || (size == 0 && riffSize == 0);
+}
+
+static bool readAt(std::istream& in, uint64_t at, uint8_t* to, uint64_t bytes)
+{
+    in.clear();
+    in.seekg(std::streamoff(at));
+    return bool(in.read(reinterpret_cast<char*>(to), std::streamsize(bytes)));
+}
+
 StreamFault readWave(std::istream& in, uint64_t bytes, StreamFormat* format)
 {
+    constexpr int MOST_CHUNKS = 10000;
+    uint8_t riff[RIFF_HEAD_BYTES] = {}, head[CHUNK_HEAD_BYTES] = {};
     format->kind = STREAM_LPCM;
     bool formatSeen = false;
-    for (uint64_t at = RIFF_HEAD_BYTES; at + CHUNK_HEAD_BYTES <= bytes;) {
-        uint8_t head[CHUNK_HEAD_BYTES] = {};
-        in.clear();
-        in.seekg(std::streamoff(at));
-        if (!in.read(reinterpret_cast<char*>(head), sizeof head)) return { 0, "the file can't be read" };
+    if (!readAt(in, 0, riff, sizeof riff)) return { CODE_READ_FAILED, "the file can't be read" };
+    uint64_t at = RIFF_HEAD_BYTES;
+    for (int chunk = 0; chunk < MOST_CHUNKS && readAt(in, at, head, sizeof head); chunk++) {
         const uint64_t size = little(head + 4, 4), left = bytes - at - CHUNK_HEAD_BYTES;
         if (std::memcmp(head, "data", 4) == 0) {
             if (!formatSeen) return { 0, "there is no `fmt ` chunk in front of its samples" };
             format->from = at + CHUNK_HEAD_BYTES;
-            // A program that writes into a pipe does not know the size, and leaves 0 or the largest number.
-            format->bytes = size == 0 ? left : std::min(size, left);
+            format->bytes = isUnknown(size, little(riff + 4, 4)) ? left : std::min(size, left);
             return checkSamples(format);
         }
         if (std::memcmp(head, "fmt ", 4) == 0) {

@@ -80,6 +80,22 @@ TEST(Progress, QuietSaysNothing)
     EXPECT_EQ(progressEnd(&display), "");
 }
 
+TEST(Progress, WorkOfOneStage)
+{
+    ProgressDisplay lines, bar, none;
+    lines.mode = PROGRESS_LINES;
+    bar.mode = PROGRESS_BAR;
+    std::string text;
+    for (const uint32_t done : { 0u, 1u, 99u, 100u, 350u, 999u, 1000u, 1000u }) {
+        text += progressWork(&lines, "work", 1000, done, 0);
+        EXPECT_EQ(progressWork(&none, "work", 1000, done, 80), "");
+    }
+    EXPECT_EQ(text, "  0%  work\n 10%  work\n 30%  work\n 90%  work\n100%  work\n");
+    EXPECT_EQ(progressWork(&bar, "work", 1000, 500, 43), "\rwork                   [######------]  50%");
+    EXPECT_EQ(progressWork(&bar, "work", 1000, 501, 43), "");
+    EXPECT_EQ(progressEnd(&bar), "\n");
+}
+
 TEST(Progress, MoreTitleSetsThanPlanned)
 {
     ProgressDisplay display;
