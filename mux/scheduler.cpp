@@ -15,6 +15,8 @@
 #include "mux/ring.h"
 #include "mux/unit_table.h"
 
+#include <span>
+
 // The clock counts 1 / 270,000,000,000 second.
 constexpr uint64_t CLOCK_UNITS = 3000000;           // of a tick of 90 kHz
 constexpr uint64_t CLOCK_EXTENSION_UNITS = 10000;   // of a tick of 27 MHz
@@ -39,13 +41,21 @@ struct Pass {
     uint64_t current;   // the video's current unit
 };
 
+/** The slots that can hold a stream; those behind them are empty. */
+static std::span<MuxStream* const> usedSlots(const MuxContext* handle)
+{
+    // The first stream that is not video leaves slot 0 free.
+    const uint64_t used = handle->streamCount + 1;
+    return { handle->streams, used < MUX_SLOTS ? used : MUX_SLOTS };
+}
+
 // ---- rings --------------------------------------------------------------------------------------------------------
 
 /** Whether there is input for a pass, or none will come any more. */
 static bool canGoOn(const MuxContext* handle)
 {
     bool left = false;
-    for (const MuxStream* stream : handle->streams) {
+    for (const MuxStream* stream : usedSlots(handle)) {
         if (!stream) continue;
         if (!orvRingReady(stream->ring)) return false;
         if (!stream->ring->ended || stream->ring->fill > 0) left = true;
@@ -77,7 +87,7 @@ static void readClock(Pass* pass)
 /** Takes at most one unit of each stream out of the model: that whose time has come. */
 static uint64_t decode(const Pass* pass)
 {
-    for (MuxStream* stream : pass->handle->streams) {
+    for (MuxStream* stream : usedSlots(pass->handle)) {
         if (!stream || stream->kind == KIND_SUB_PICTURE) continue;
         const uint64_t size = stream->unitBytesAt(stream, stream->unitsDecoded);
         if (uint64_t error =
@@ -106,7 +116,7 @@ static uint64_t groupOfCurrent(const Pass* pass)
 static bool closesBehindVideo(const MuxContext* handle)
 {
     int64_t most = 0;
-    for (const MuxStream* stream : handle->streams) {
+    for (const MuxStream* stream : usedSlots(handle)) {
         if (!stream) continue;
         const int64_t since = int64_t(stream->nextDecode - stream->vobuDecode);
         if (since > most) most = since;
@@ -161,7 +171,7 @@ static uint64_t openVobu(const Pass* pass)
     handle->vobuScr = pass->scr;
     handle->vobuFirstUnit = pass->current;
     handle->vobuStartPts = groupTime + handle->videoDelay;
-    for (MuxStream* stream : handle->streams) {
+    for (MuxStream* stream : usedSlots(handle)) {
         if (stream) stream->vobuDecode = stream->nextDecode;
     }
     handle->currentGroup = groupOfCurrent(pass);
@@ -209,8 +219,9 @@ static Candidate judge(const Pass* pass, const MuxStream* stream, bool inVideoSl
 static uint64_t chooseStream(const Pass* pass)
 {
     uint64_t best = NONE, bestRatio = FILL_LIMIT + 1;
-    for (uint64_t i = 0; i < MUX_SLOTS; i++) {
-        const MuxStream* stream = pass->handle->streams[i];
+    const std::span<MuxStream* const> slots = usedSlots(pass->handle);
+    for (uint64_t i = 0; i < slots.size(); i++) {
+        const MuxStream* stream = slots[i];
         if (!stream) continue;
         const Candidate candidate = judge(pass, stream, i == 0);
         if (!candidate.served) continue;
@@ -269,7 +280,7 @@ static bool waitForDecoder(MuxContext* handle)
 {
     constexpr uint64_t FOREVER = 0x7FFFFFFFFFFFFFFF;
     uint64_t wait = FOREVER;
-    for (const MuxStream* stream : handle->streams) {
+    for (const MuxStream* stream : usedSlots(handle)) {
         if (!stream || stream->kind == KIND_SUB_PICTURE) continue;
         const uint64_t delay = orvIsVideo(stream) ? handle->videoDelay : handle->audioDelay;
         const uint64_t until = (stream->unitsDecoded * stream->unitTicks + delay) * CLOCK_UNITS - handle->clock;
