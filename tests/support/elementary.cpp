@@ -30,7 +30,7 @@ void putLittle(Bytes& to, uint64_t value, uint64_t bytes)
 
 void putText(Bytes& to, std::string_view text)
 {
-    to.insert(to.end(), text.begin(), text.end());
+    for (const char letter : text) to.push_back(uint8_t(letter));
 }
 
 void putFormat(Bytes& to, const WaveSpec& wave)
