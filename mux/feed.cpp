@@ -65,13 +65,15 @@ constexpr uint64_t RIFF_WAVE = 8, RIFF_FORMAT = 12, RIFF_FORMAT_DATA = 20;   // 
 constexpr uint64_t WAVEFORMAT_BYTES = 18;
 constexpr uint64_t RIFF_HEAD_BYTES = RIFF_FORMAT_DATA + WAVEFORMAT_BYTES;
 
-/** A RIFF header with the host's format in it, in a block of size bytes, or as many as the header has. */
+/** A RIFF header with the host's format in it, in a block of size bytes: at least as many as the header has, at most as
+ * many as a ring takes.
+ */
 static uint64_t wrapFormat(const uint8_t* format, uint64_t size, uint8_t** header)
 {
     constexpr uint8_t RIFF[] = { 'R', 'I', 'F', 'F' }, WAVE[] = { 'W', 'A', 'V', 'E' },
                       FORMAT[] = { 'f', 'm', 't', ' ' };
-    if (size > RING_BYTES) return ORV_MUX_OVERFLOW;   // no ring takes such a chunk
-    const uint64_t bytes = size > RIFF_HEAD_BYTES ? size : RIFF_HEAD_BYTES;
+    const uint64_t most = size < RING_BYTES ? size : RING_BYTES;
+    const uint64_t bytes = most > RIFF_HEAD_BYTES ? most : RIFF_HEAD_BYTES;
     if (uint64_t error = osAllocMem(bytes, header)) return error;
     osCopyMem(*header, RIFF, sizeof RIFF);
     osCopyMem(*header + RIFF_WAVE, WAVE, sizeof WAVE);
@@ -99,7 +101,8 @@ static uint64_t feedFormat(MuxContext* handle, MuxStream* stream, Chunk format)
     uint8_t* header = nullptr;
     if (uint64_t error = wrapFormat(format.data, format.size, &header)) return error;
     // The parser of LPCM sees the whole header, however small a format the host has.
-    const uint64_t parseSize = stream->kind == KIND_LPCM ? osMemSize(header) : format.size;
+    const uint64_t blockSize = osMemSize(header);
+    const uint64_t parseSize = stream->kind == KIND_LPCM || format.size > blockSize ? blockSize : format.size;
     const uint64_t result = parseAndStore(handle, stream, { header, format.size }, parseSize);
     (void)osFreeMem(&header);
     return result;
