@@ -2,7 +2,9 @@
 #include "../platform.h"
 
 #include "../cli.h"
+#include "../text.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -20,7 +22,9 @@ uint64_t platformAuthor(const RunRequest& request)
 uint64_t platformAddFileStream(MuxContext* handle, const std::filesystem::path& path, uint64_t flags,
                                MuxStream** stream)
 {
-    return AddFileStream(handle, path.u16string().c_str(), flags, stream);
+    const std::u16string wide = wideOf(path.string());
+    if (utf8Of(wide) != path.string()) return EILSEQ;   // the library takes text alone
+    return AddFileStream(handle, wide.c_str(), flags, stream);
 }
 
 uint64_t platformPreview(const std::filesystem::path& project, OrvMenuPreviewCall preview, uint64_t user,

@@ -200,9 +200,9 @@ TEST(MuxRecognise, SoundThatWouldBecomeNoise)
     const WaveSpec cases[] = { { .channels = 2, .bits = 24, .dataBytes = 12 },
                                { .channels = 1, .bits = 24, .dataBytes = 12 },
                                { .channels = 6, .bits = 16, .dataBytes = 12 } };
-    for (const WaveSpec& spec : cases) {
+    for (const WaveSpec& wave : cases) {
         StreamFormat format;
-        const StreamFault fault = recognise(joined({ waveHeader(spec), filler(12) }), &format);
+        const StreamFault fault = recognise(joined({ waveHeader(wave), filler(12) }), &format);
         EXPECT_EQ(fault.code, 0u);
         EXPECT_TRUE(fault.why.starts_with("players would not find its samples of ")) << fault.why;
     }
