@@ -130,3 +130,20 @@ Bytes payloadOf(const Bytes& pack)
     return Bytes(pack.begin() + std::ptrdiff_t(from),
                  pack.begin() + std::ptrdiff_t(std::min<uint64_t>(end, pack.size())));
 }
+
+void feedUnits(MuxHost& host, MuxStream* stream, const VideoStream& video)
+{
+    for (const Bytes& unit : video.units()) ASSERT_EQ(host.feed(stream, unit), 0u);
+}
+
+std::string packLetters(const MuxHost& host)
+{
+    std::string letters;
+    for (uint64_t i = 0; i < host.sectors(); ++i) {
+        const Bytes pack = host.pack(i);
+        const uint64_t id = pack[17];
+        const uint64_t audio = id == 0xBD ? pack[23u + pack[22]] : id;
+        letters += isNavPack(pack) ? 'N' : id == 0xE0 ? 'v' : char('0' + (audio & 7));
+    }
+    return letters;
+}

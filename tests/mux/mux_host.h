@@ -2,7 +2,7 @@
 #pragma once
 
 #include "mux/mux_types.h"
-#include "tests/support/files.h"
+#include "tests/support/elementary.h"
 
 #include <cstdint>
 #include <functional>
@@ -35,6 +35,12 @@ struct MuxHost {
     Bytes pack(uint64_t sector) const;
     std::string hexAt(uint64_t sector, uint64_t at, uint64_t count) const;
 };
+
+/** Feeds each unit of the video by itself; fails the test where one is not accepted. */
+void feedUnits(MuxHost& host, MuxStream* stream, const VideoStream& video);
+
+/** Letters of the packs written: N navigation, v video, the digit of its sub-stream or stream for audio. */
+std::string packLetters(const MuxHost& host);
 
 /** Times that packs carry, read from their bytes. */
 uint64_t scrOf(const Bytes& pack);

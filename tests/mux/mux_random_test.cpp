@@ -370,7 +370,7 @@ TEST(MuxRandom, EngineAndModelAgree)
 {
     std::vector<uint64_t> results;
     uint64_t packs = 0;
-    for (uint64_t seed = 1; seed <= 400; ++seed) {
+    for (uint64_t seed = 1; seed <= 300; ++seed) {
         ASSERT_NO_FATAL_FAILURE(race(seed, &results, &packs));
     }
     // The seeds are worth their time: whole streams, and each fault that a host can meet.
