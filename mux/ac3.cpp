@@ -6,7 +6,6 @@
 #include "mux/ring.h"
 #include "mux/start_codes.h"
 #include "mux/unit_table.h"
-#include "mux/video_units.h"
 
 #include <cstring>
 
@@ -81,7 +80,7 @@ static uint64_t enterMissing(MuxStream* stream, uint64_t position)
     while (unit.position - last > stream->unitBytes) {
         // Meant: the later ones come first. Test: Ac3Table.MissingFramesAreEnteredBackwards
         unit.position -= stream->unitBytes;
-        if (uint64_t error = osListAppend(&stream->unitTable, unit)) return error;
+        if (uint64_t error = orvAddUnit(stream, unit)) return error;
         stream->unitCount++;
         stream->picturesSeen++;
     }
@@ -100,7 +99,7 @@ static uint64_t fillGap(MuxStream* stream, MuxUnit* unit, uint64_t time)
     static constexpr uint8_t ZEROS[2560] = {};   // the largest frame: 640 kbit/s
     for (int64_t i = 0; i < missing; i++) {
         if (uint64_t error = orvRingWrite(stream->ring, ZEROS, stream->unitBytes, nullptr)) return error;
-        if (uint64_t error = osListAppend(&stream->unitTable, *unit)) return error;
+        if (uint64_t error = orvAddUnit(stream, *unit)) return error;
         stream->bytesIn += stream->unitBytes;
         stream->unitCount++;
         unit->position += stream->unitBytes;
@@ -133,18 +132,18 @@ static uint64_t addFrame(MuxStream* stream, bool swapped, uint8_t sizeCode, uint
     }
     stream->unitCount++;
     stream->picturesSeen++;
-    return osListAppend(&stream->unitTable, unit);
+    return orvAddUnit(stream, unit);
 }
 
 // Bytes to scan, and what is known of them.
-struct Scan {
+struct SyncScan {
     const uint8_t* data;
     uint64_t lead;   // bytes of data that lie in front of the input's end
     uint64_t time;   // of the first sync, NONE for the later ones
     bool timeTaken;
 };
 
-static uint64_t takeSync(MuxStream* stream, Scan* scan, uint64_t at)
+static uint64_t takeSync(MuxStream* stream, SyncScan* scan, uint64_t at)
 {
     const uint64_t time = scan->time;
     scan->time = NONE;
@@ -155,7 +154,7 @@ static uint64_t takeSync(MuxStream* stream, Scan* scan, uint64_t at)
 }
 
 /** Sync words of either order that begin at the first so many offsets. */
-static uint64_t scanSyncs(MuxStream* stream, Scan* scan, uint64_t offsets)
+static uint64_t scanSyncs(MuxStream* stream, SyncScan* scan, uint64_t offsets)
 {
     const uint8_t* data = scan->data;
     // Both orders have the rare byte 77; it is the first or the second of a word.
@@ -187,12 +186,12 @@ static uint64_t parseTable(MuxStream* stream, const uint8_t* chunk, uint64_t siz
     if (size < LEAST_CHUNK) return 0;
 
     osCopyMem(stream->lookBack + KEPT_BYTES, chunk, KEPT_BYTES);
-    Scan border = { stream->lookBack, KEPT_BYTES, stream->timeUsed ? NONE : stream->lookBackTime, false };
+    SyncScan border = { stream->lookBack, KEPT_BYTES, stream->timeUsed ? NONE : stream->lookBackTime, false };
     const uint64_t borderResult = scanSyncs(stream, &border, KEPT_BYTES);
     if (border.timeTaken) stream->timeUsed = 1;
     if (borderResult) return borderResult;
 
-    Scan inside = { chunk, 0, time, false };
+    SyncScan inside = { chunk, 0, time, false };
     if (uint64_t error = scanSyncs(stream, &inside, size - KEPT_BYTES)) return error;
 
     osCopyMem(stream->lookBack, chunk + size - KEPT_BYTES, KEPT_BYTES);

@@ -6,7 +6,6 @@
 #include "mux/ring.h"
 #include "mux/scheduler.h"
 #include "mux/start_codes.h"
-#include "mux/video_units.h"
 
 #include <utility>
 

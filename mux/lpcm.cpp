@@ -7,7 +7,6 @@
 #include "mux/audio_units.h"
 #include "mux/ring.h"
 #include "mux/start_codes.h"
-#include "mux/video_units.h"
 
 constexpr uint64_t UNIT_TICKS = 150;   // 1/600 second
 constexpr uint64_t UNIT_SAMPLES_48 = 80, UNIT_SAMPLES_96 = 160;

@@ -5,7 +5,6 @@
 #include "mux/audio_units.h"
 #include "mux/ring.h"
 #include "mux/start_codes.h"
-#include "mux/video_units.h"
 
 constexpr uint64_t FRAME_TICKS = 2160;   // 1152 samples of 48 kHz
 constexpr uint64_t MPEG_STD_SCALE = 0, MPEG_STD_BOUND = 32;

@@ -102,6 +102,12 @@ struct MuxStream {
     uint64_t (*parse)(MuxStream*, const uint8_t* chunk, uint64_t size);
     uint64_t (*parseTimed)(MuxStream*, const uint8_t* chunk, uint64_t size, uint64_t time);   // null: kinds 2, 8, 10
 
+    // Units of the table by rising index and position: those behind which no other begins earlier. For the search of
+    // the current one; a memory block.
+    uint64_t* unitOrder;
+    uint64_t orderCount;     // entries in use
+    uint64_t orderedUnits;   // units of the table that it knows
+
     MuxStream* nextOwned;   // of all streams of the handle, those that another has replaced in its slot too
 };
 
@@ -134,6 +140,11 @@ struct MuxContext {
 
     MuxStream* owned;   // chain of all streams
 };
+
+// Results of the parsers that are no failures.
+inline constexpr uint64_t RESULT_NO_DATA = 0x84000C1A;   // the chunk is a header, or precedes the first group
+inline constexpr uint64_t RESULT_END = 0x84000C1B;       // the chunk begins with "END "
+inline constexpr uint64_t RESULT_WARNING_BIT = 0x00100000;
 
 [[nodiscard]] inline bool orvIsVideo(const MuxStream* stream)
 {

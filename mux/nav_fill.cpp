@@ -28,7 +28,7 @@ static void fillPci(const MuxContext* handle, uint8_t* pack, bool last)
     orvPut(pack, PCI_VOBU_E_PTM, end);
     orvPut(pack, PCI_VOBU_SE_E_PTM, last ? end : 0);
     putElapsed(pack, PCI_E_ELTM, handle->vobuFirstUnit);
-    pack[PCI_HLI_SS.at + 1] = 1;   // its low byte alone: what has no navigation pack in front keeps the other
+    pack[PCI_HLI_SS.at + 1] = 1;   // its low byte alone: where the first pack is none of navigation, the other stays
     orvPut(pack, PCI_HLI_S_PTM, 0);
     orvPut(pack, PCI_HLI_E_PTM, NEVER);
     orvPut(pack, PCI_BTN_SE_E_PTM, NEVER);

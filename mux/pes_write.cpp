@@ -27,7 +27,7 @@ static uint64_t putHeaderData(uint8_t* to, const MuxStream* stream, uint64_t fla
     return uint64_t(at - to);
 }
 
-/** Bytes from a position of the stream to the next start of a unit. */
+/** Bytes from the stream's next byte to the next start of a unit. */
 static uint64_t bytesToUnit(const MuxStream* stream)
 {
     const uint64_t over = stream->bytesPacked % stream->unitBytes;

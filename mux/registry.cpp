@@ -51,6 +51,7 @@ void orvFreeMuxStream(MuxStream** stream)
     (void)osCloseFile(&(*stream)->file);
     orvRingFree(&(*stream)->ring);
     (void)osFreeMem(&(*stream)->unitTable);
+    (void)osFreeMem(&(*stream)->unitOrder);
     (void)osFreeMem(&(*stream)->readScratch);
     (void)osFreeMem(stream);
 }

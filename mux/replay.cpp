@@ -45,6 +45,7 @@ struct Replay {
     uint64_t user;
     bool ignoresResults;   // of the video callback
     SkipRule skip;
+    bool videoSent;                   // a unit has gone out
     uint64_t delivered;               // bytes of the video file, as the replay counts them
     uint64_t (*atPicture)(Replay*);   // null: nothing
 
@@ -127,6 +128,7 @@ static uint64_t callForAudio(Replay* replay)
 
 static uint64_t sendVideo(Replay* replay, uint64_t from, uint64_t to)
 {
+    replay->videoSent = true;
     replay->delivered += to - from;
     const uint64_t refused = replay->videoUnit(replay->video.buffer + from, to - from, replay->user);
     return replay->ignoresResults ? 0 : refused;
@@ -137,16 +139,22 @@ static bool isUnitCode(uint8_t code)
     return code == CODE_PICTURE || code == CODE_SEQUENCE || code == CODE_SEQUENCE_END || code == CODE_GOP;
 }
 
-/** Delivers the units of the buffer that end in it. */
-static uint64_t scanBuffer(Replay* replay)
+/** Delivers the units of the buffer that end in it. *first gets the offset of the first unit code at or behind from, or
+    that from which on there may be one. */
+static uint64_t scanBuffer(Replay* replay, uint64_t from, uint64_t* first)
 {
     const uint8_t* buffer = replay->video.buffer;
+    *first = from;
     if (replay->video.held < CODE_BYTES) return 0;
     const uint64_t limit = replay->video.held - 1;   // a prefix ends in front of the last byte
-    uint64_t open = BUFFER_BYTES;                    // of a unit: where it begins; else BUFFER_BYTES
-    for (uint64_t at = orvFindStartCode(buffer, 0, limit); at < limit; at = orvFindStartCode(buffer, at + 1, limit)) {
+    bool found = false;
+    uint64_t open = BUFFER_BYTES;   // of a unit: where it begins; else BUFFER_BYTES
+    for (uint64_t at = orvFindStartCode(buffer, from, limit); at < limit;
+         at = orvFindStartCode(buffer, at + 1, limit)) {
         const uint8_t code = buffer[at + 3];
         if (!isUnitCode(code)) continue;
+        if (!found) *first = at;
+        found = true;
         if (code == CODE_PICTURE && replay->atPicture) {
             if (uint64_t error = replay->atPicture(replay)) return error;
         }
@@ -159,25 +167,32 @@ static uint64_t scanBuffer(Replay* replay)
             if (uint64_t refused = sendVideo(replay, at, at + CODE_BYTES)) return refused;
         }
     }
+    if (!found && *first + 2 < limit) *first = limit - 2;
     return 0;
 }
 
 static bool skipsBuffer(const Replay* replay, uint64_t before)
 {
     if (replay->skip == SKIP_EMPTY_BUFFER) return replay->delivered == before;
-    return replay->skip == SKIP_EMPTY_SCAN && replay->delivered == 0;
+    return replay->skip == SKIP_EMPTY_SCAN && !replay->videoSent;
 }
 
 static uint64_t replayVideo(Replay* replay)
 {
+    uint64_t at = 0, quietUntil = 0;   // file positions: of the buffer, and in front of which it has no unit code
+    if (osTellFile(replay->video.file, &at)) return ORV_READ_FAILED;
     if (uint64_t error = fill(&replay->video)) return error;
     while (replay->video.held > 0) {
+        // What was looked at in vain is not looked at again where the buffer moves on by a few bytes.
         const uint64_t before = replay->delivered;
-        if (uint64_t error = scanBuffer(replay)) return error;
+        uint64_t first = 0;
+        if (uint64_t error = scanBuffer(replay, quietUntil > at ? quietUntil - at : 0, &first)) return error;
         if (skipsBuffer(replay, before)) replay->delivered += replay->video.held;
         // The same bytes would come again and again.
         if (replay->delivered == before) return 0;
-        if (osSeekFile(replay->video.file, int64_t(replay->delivered), OS_FROM_START)) return ORV_READ_FAILED;
+        quietUntil = at <= replay->delivered ? at + first : 0;
+        at = replay->delivered;
+        if (osSeekFile(replay->video.file, int64_t(at), OS_FROM_START)) return ORV_READ_FAILED;
         if (uint64_t error = fill(&replay->video)) return error;
     }
     return 0;

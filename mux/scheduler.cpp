@@ -58,7 +58,9 @@ static bool canGoOn(const MuxContext* handle)
     for (const MuxStream* stream : usedSlots(handle)) {
         if (!stream) continue;
         if (!orvRingReady(stream->ring)) return false;
-        if (!stream->ring->ended || stream->ring->fill > 0) left = true;
+        // Audio whose unit is not known takes no part, whatever it holds.
+        const bool apart = !orvIsVideo(stream) && stream->unitBytes == 0;
+        if (!stream->ring->ended || (stream->ring->fill > 0 && !apart)) left = true;
     }
     return left;
 }

@@ -12,7 +12,7 @@ uint64_t orvFindStartCode(const uint8_t* data, uint64_t from, uint64_t limit)
         if (!found) return limit;
         at = uint64_t(static_cast<const uint8_t*>(found) - data);
         if (data[at - 1] == 0 && data[at - 2] == 0) return at - 2;
-        at++;
+        at += 3;   // a prefix that ends sooner would need a 0 here
     }
     return limit;
 }

@@ -7,14 +7,15 @@
 #include "mux/nav_layout.h"
 #include "mux/pack_layout.h"
 #include "mux/pack_write.h"
+#include "mux/start_codes.h"
 
 uint64_t orvProbeAsset(OSFILE video)
 {
     uint8_t head[4] = {};
     if (osReadFile(video, head, sizeof head)) return ASSET_UNKNOWN;
     switch (orvGet32(head)) {
-    case 0x100 | VIDEO_SEQUENCE: return ASSET_STILL;
-    case 0x100 | PACK_START: return ASSET_ANIMATED;
+    case orvStartCode(CODE_SEQUENCE): return ASSET_STILL;
+    case orvStartCode(PACK_START): return ASSET_ANIMATED;
     default: return ASSET_UNKNOWN;
     }
 }

@@ -4,6 +4,7 @@
 #include "base/result.h"
 #include "mux/ring.h"
 #include "mux/start_codes.h"
+#include "mux/unit_table.h"
 #include "mux/video_units.h"
 
 static uint64_t addPicture(MuxStream* stream, const uint8_t* chunk, uint64_t size)
@@ -18,7 +19,7 @@ static uint64_t addPicture(MuxStream* stream, const uint8_t* chunk, uint64_t siz
     unit.groupTime = stream->groupBase * stream->unitTicks;
     stream->groupPending = 0;
     stream->unitCount++;
-    return osListAppend(&stream->unitTable, unit);
+    return orvAddUnit(stream, unit);
 }
 
 static uint64_t openGroup(MuxStream* stream, const uint8_t* chunk, uint64_t size)

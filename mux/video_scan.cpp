@@ -5,6 +5,7 @@
 #include "base/result.h"
 #include "mux/ring.h"
 #include "mux/start_codes.h"
+#include "mux/unit_table.h"
 #include "mux/video_units.h"
 
 constexpr uint64_t KEPT_BYTES = 8;   // of the end of a chunk, in which a code may begin that the next one ends
@@ -12,10 +13,9 @@ static_assert(2 * KEPT_BYTES == sizeof(MuxStream::lookBack));
 
 // A gap of so many frames is filled; a smaller or a larger one is passed over.
 constexpr uint64_t LEAST_GAP = 17, MOST_GAP = 63;
-constexpr uint64_t FILLED_UNIT_BYTES = 1024;   // zeros in the place of a missing picture
 
 // Bytes to scan, and what is known of them.
-struct Scan {
+struct CodeScan {
     const uint8_t* data;
     uint64_t size;
     uint64_t lead;   // bytes of data that lie in front of the input's end
@@ -33,7 +33,7 @@ static uint64_t fillGap(MuxStream* stream, MuxUnit* unit, uint64_t temporalRefer
     stream->gapUnits = gap;
     for (uint64_t i = 0; i < missing; i++) {
         if (uint64_t error = orvRingWrite(stream->ring, ZEROS, FILLED_UNIT_BYTES, nullptr)) return error;
-        if (uint64_t error = osListAppend(&stream->unitTable, *unit)) return error;
+        if (uint64_t error = orvAddUnit(stream, *unit)) return error;
         unit->pts += stream->unitTicks;
         unit->dts += stream->unitTicks;
         stream->bytesIn += FILLED_UNIT_BYTES;
@@ -42,7 +42,7 @@ static uint64_t fillGap(MuxStream* stream, MuxUnit* unit, uint64_t temporalRefer
     return 0;
 }
 
-static uint64_t addPicture(MuxStream* stream, Scan* scan, uint64_t at, uint64_t position)
+static uint64_t addPicture(MuxStream* stream, CodeScan* scan, uint64_t at, uint64_t position)
 {
     const PictureHead head = orvReadPictureHead(scan->data, scan->size, at);
     const uint64_t time = scan->time;
@@ -54,7 +54,7 @@ static uint64_t addPicture(MuxStream* stream, Scan* scan, uint64_t at, uint64_t 
     stream->groupPending = 0;
     unit.group = uint32_t(stream->groupCount);
     unit.codingType = head.codingType;
-    if (head.codingType == 1) stream->intraBase = stream->unitCount + 1;
+    if (head.codingType == CODING_I) stream->intraBase = stream->unitCount + 1;
     unit.pts = (stream->intraBase + head.temporalReference) * stream->unitTicks;
     unit.dts = stream->unitCount * stream->unitTicks;
     unit.groupTime = stream->groupBase * stream->unitTicks;
@@ -63,7 +63,7 @@ static uint64_t addPicture(MuxStream* stream, Scan* scan, uint64_t at, uint64_t 
     }
     stream->picturesSeen++;
     stream->unitCount++;
-    return osListAppend(&stream->unitTable, unit);
+    return orvAddUnit(stream, unit);
 }
 
 static void openGroup(MuxStream* stream, uint64_t position)
@@ -80,7 +80,7 @@ static void openGroup(MuxStream* stream, uint64_t position)
     }
 }
 
-static uint64_t openSequence(MuxStream* stream, const Scan* scan, uint64_t at, uint64_t position)
+static uint64_t openSequence(MuxStream* stream, const CodeScan* scan, uint64_t at, uint64_t position)
 {
     stream->seqPending = 1;
     stream->groupStart = position;
@@ -88,7 +88,7 @@ static uint64_t openSequence(MuxStream* stream, const Scan* scan, uint64_t at, u
 }
 
 /** Start codes that begin at the first so many offsets. */
-static uint64_t scanCodes(MuxStream* stream, Scan* scan, uint64_t offsets)
+static uint64_t scanCodes(MuxStream* stream, CodeScan* scan, uint64_t offsets)
 {
     // A code that begins at the last offset ends two bytes behind it; the prefix is looked for up to there.
     const uint64_t limit = offsets + 2;
@@ -115,13 +115,13 @@ static uint64_t parseTimed(MuxStream* stream, const uint8_t* chunk, uint64_t siz
     if (size < KEPT_BYTES) return 0;   // stored, and not looked at
 
     osCopyMem(stream->lookBack + KEPT_BYTES, chunk, KEPT_BYTES);
-    Scan border = { stream->lookBack, 2 * KEPT_BYTES, KEPT_BYTES, stream->timeUsed ? NONE : stream->lookBackTime,
-                    false };
+    CodeScan border = { stream->lookBack, 2 * KEPT_BYTES, KEPT_BYTES, stream->timeUsed ? NONE : stream->lookBackTime,
+                        false };
     const uint64_t borderResult = scanCodes(stream, &border, KEPT_BYTES);
     if (border.timeTaken) stream->timeUsed = 1;
     if (borderResult) return borderResult;
 
-    Scan inside = { chunk, size, 0, time, false };
+    CodeScan inside = { chunk, size, 0, time, false };
     if (uint64_t error = scanCodes(stream, &inside, size - KEPT_BYTES)) return error;
 
     osCopyMem(stream->lookBack, chunk + size - KEPT_BYTES, KEPT_BYTES);

@@ -7,10 +7,7 @@
 #include "mux/start_codes.h"
 #include "mux/unit_table.h"
 
-constexpr uint64_t VIDEO_STREAM_ID = 0xE0;
 constexpr uint64_t VIDEO_STD_BYTES = 0x3A000, VIDEO_STD_SCALE = 1, VIDEO_STD_BOUND = 232;
-
-constexpr uint64_t CODING_I = 1, CODING_P = 2, CODING_B = 3;
 
 // Payload of a pack by what its PES header holds.
 constexpr uint64_t ROOM_PLAIN = 2025, ROOM_PTS = 2020, ROOM_PTS_DTS = 2015, ROOM_PTS_DTS_EXTENSION = 2012;
@@ -153,7 +150,6 @@ static MuxPlan planWithNext(const MuxStream* stream, const MuxUnitPlace* current
 /** The next unit begins in the pack, which ends in front of it. */
 static MuxPlan planUpToNext(const MuxStream* stream, const MuxUnitPlace* current, const MuxUnitPlace* next)
 {
-    constexpr uint64_t FILLED_UNIT_BYTES = 1024;   // of a unit that fills a gap, which has no place of its own
     const uint64_t left = next->position - stream->bytesPacked;
     const bool picture = next->codingType >= CODING_I && next->codingType <= CODING_B;
     if (picture || next->codingType == NONE) return { left, ROOM_PLAIN - left, 0, current->index };
@@ -187,7 +183,6 @@ static MuxPlan planPack(const MuxStream* stream)
 
 void orvSetupVideo(MuxStream* stream)
 {
-    stream->streamId = VIDEO_STREAM_ID;
     stream->stdSize = VIDEO_STD_BYTES;
     stream->stdScale = VIDEO_STD_SCALE;
     stream->stdBound = VIDEO_STD_BOUND;

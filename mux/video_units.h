@@ -3,7 +3,9 @@
 
 #include "mux/mux_types.h"
 
-inline constexpr uint64_t TICKS_PAL = 3600, TICKS_NTSC = 3003;   // of a picture
+inline constexpr uint64_t TICKS_PAL = 3600, TICKS_NTSC = 3003;        // of a picture
+inline constexpr uint64_t CODING_I = 1, CODING_P = 2, CODING_B = 3;   // of a picture header
+inline constexpr uint64_t FILLED_UNIT_BYTES = 1024;                   // zeros in the place of a missing picture
 
 /** Writes what a video kind's set-up has in common into a stream. */
 void orvSetupVideo(MuxStream* stream);
@@ -11,8 +13,8 @@ void orvSetupVideo(MuxStream* stream);
 [[nodiscard]] uint64_t orvSetupVideoUnits(MuxStream* stream);
 [[nodiscard]] uint64_t orvSetupVideoScan(MuxStream* stream);
 
-/** Takes size and frame rate from a sequence header. @return 0; ORV_WARNING_VIDEO_RATE, the size being taken all the
-    same */
+/** Takes size and frame rate from a sequence header. @return 0; ORV_VIDEO_NOT_PAL_OR_NTSC as a warning, the size being
+   taken all the same */
 [[nodiscard]] uint64_t orvReadSequenceHeader(MuxStream* stream, const uint8_t* data, uint64_t size, uint64_t at);
 /** Starts the counts of a stream with its first chunk. */
 void orvBeginVideo(MuxStream* stream);
@@ -23,8 +25,3 @@ struct PictureHead {
     uint32_t codingType;
 };
 [[nodiscard]] PictureHead orvReadPictureHead(const uint8_t* data, uint64_t size, uint64_t at);
-
-// Results of the parsers that are no failures.
-inline constexpr uint64_t RESULT_NO_DATA = 0x84000C1A;   // the chunk is a header, or precedes the first group
-inline constexpr uint64_t RESULT_END = 0x84000C1B;       // the chunk ends in "END "
-inline constexpr uint64_t RESULT_WARNING_BIT = 0x00100000;

@@ -458,7 +458,9 @@ uint64_t modelRun(MuxModel& model)
         bool over = true;
         for (const ModelStream* stream : streamsOf(model)) {
             if (stream->held() < stream->watermark && !stream->ended) return 0;
-            over = over && stream->ended && stream->held() == 0;
+            // Audio whose unit is not known takes no part.
+            const bool apart = !stream->isVideo() && stream->unitBytes == 0;
+            over = over && stream->ended && (stream->held() == 0 || apart);
         }
         if (over) return 0;
         if (!model.started) setDelays(model);
