@@ -9,8 +9,8 @@
 constexpr uint8_t SUB_STREAM_PCI = 0, SUB_STREAM_DSI = 1;
 constexpr uint32_t NEVER = 0xFFFFFFFF, NO_VIDEO_UNIT = 0xBFFFFFFF, NO_UNIT = 0x3FFFFFFF;
 
-/** Time code of the unit's first picture. Meant: a count of 25 a second also for other material; the pass over the
-    stream turns it into the real one. Test: NavFill.ElapsedTimeCountsTwentyFive */
+// Time code of the unit's first picture. Meant: a count of 25 a second also for other material; the pass over the
+// stream turns it into the real one. Test: NavFill.ElapsedTimeCountsTwentyFive
 static void putElapsed(uint8_t* pack, const DiscField& field, uint64_t unit)
 {
     orvPutTime(pack + field.at, orvFramesToTime(STANDARD_PAL, unit));

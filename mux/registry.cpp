@@ -83,8 +83,8 @@ static void setIds(MuxStream* stream, const MuxKind* kind, uint64_t index)
     }
 }
 
-/** Meant: a first stream that is not video takes slot 1, and a second one in front of the video stream takes it again.
-    Test: Registry.SecondAudioStreamReplacesTheFirst */
+// Meant: a first stream that is not video takes slot 1, and a second one in front of the video stream takes it again.
+// Test: Registry.SecondAudioStreamReplacesTheFirst
 static uint64_t freeSlot(const MuxContext* handle, MuxFamily family)
 {
     if (family == FAMILY_VIDEO) return 0;
@@ -173,8 +173,8 @@ static void flush(MuxContext* handle)
 {
     if (handle->outPending == 0) return;
     const MuxStream* video = handle->streams[0];
-    // Meant: the last unit's index, one less than the pictures that the unit of packs has. Test:
-    // Exit.LastUnitLacksAPicture
+    // Meant: the last unit's index, one less than the pictures that the unit of packs has.
+    // Test: Exit.LastUnitLacksAPicture
     const uint64_t current = video && orvIsVideo(video) ? orvCurrentUnit(video) : 0;
     handle->vobuPictures = current - handle->vobuFirstUnit;
     orvFillNavPack(handle, handle->outBuffer, true);

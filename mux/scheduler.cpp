@@ -236,8 +236,8 @@ static uint64_t chooseStream(const Pass* pass)
     return best;
 }
 
-/** Notes where a reference picture has ended. Meant: the first three of a run stand for all its units.
-    Test: Scheduler.ReferenceEndsAreThoseOfTheFirstUnits */
+// Notes where a reference picture has ended. Meant: the first three of a run stand for all its units.
+// Test: Scheduler.ReferenceEndsAreThoseOfTheFirstUnits
 static void noteReference(const Pass* pass, const MuxStream* stream, uint64_t unit)
 {
     constexpr uint32_t LAST_REFERENCE_TYPE = 2;   // 1 I, 2 P
