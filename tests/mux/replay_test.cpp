@@ -415,15 +415,31 @@ TEST(Replay, UnitLargerThanTheBuffer)
     EXPECT_EQ(asks(replay(AC3, video)), 3u);   // at 20 twice, at 524348
 }
 
-// A whole buffer without a code: passed over with audio of any kind, for nothing went out yet.
-TEST(Replay, BufferWithoutACode)
+// Whole buffers without a code: passed over with audio of any kind, for nothing went out yet.
+TEST(Replay, BuffersWithoutACode)
 {
     const Bytes units = oneSequence();
-    const Bytes video = filler(BUFFER) + units;
+    for (const uint64_t buffers : { 1u, 3u }) {
+        const Bytes video = filler(buffers * BUFFER) + units;
+        for (const Variant variant : ALL) {
+            const Replay run = replay(variant, video);
+            EXPECT_EQ(run.result, 0u);
+            const Calls whole = pieces(units, { 0, 12, 20, 70, 130, 134 });
+            EXPECT_EQ(videoCalls(run), variant == PLAIN ? Calls{} : whole) << variant << ", " << buffers;
+        }
+    }
+}
+
+// An end code at the buffer's end lets the count go on by four bytes a buffer: what holds no code is not looked at
+// again each time, also where every byte could end the prefix of one.
+TEST(Replay, EndCodesThatMoveTheBufferOnByAFewBytes)
+{
+    const Bytes video = Bytes(8192, 0x01) + sequenceEnd();
     for (const Variant variant : ALL) {
         const Replay run = replay(variant, video);
         EXPECT_EQ(run.result, 0u);
-        EXPECT_EQ(videoCalls(run), variant == PLAIN ? Calls{} : pieces(units, { 0, 12, 20, 70, 130, 134 })) << variant;
+        // Four bytes go out each time, until the count is at the end: (8192 + 4) / 4.
+        EXPECT_EQ(videoCalls(run), Calls(2049, call('V', video, 8192, 8196))) << variant;
     }
 }
 
