@@ -54,6 +54,11 @@ TEST(Ac3Holes, HolesAreFilledByTime)
         Positions expected;
         for (uint64_t i = 0; i <= row.before + row.missing; i++) expected.push_back(i * 128);
         EXPECT_EQ(positionsOf(handler), expected) << row.what;
+        const std::vector<MuxUnit> units = unitsOf(handler);
+        for (uint64_t i = row.before; i < row.before + row.missing; i++) {
+            EXPECT_EQ(units[i + 1].pts - units[i].pts, 2880u) << row.what;
+            EXPECT_EQ(units[i + 1].dts - units[i].dts, 2880u) << row.what;
+        }
         EXPECT_EQ(handler.stream->unitCount, row.before + row.missing + 1) << row.what;
         EXPECT_EQ(handler.stream->picturesSeen, row.before + 1) << row.what;
         EXPECT_EQ(handler.stream->gapUnits, row.missing) << row.what;
@@ -131,6 +136,33 @@ TEST(Ac3Holes, SyncAcrossABorderHasTheEarlierTime)
     EXPECT_EQ(feedChunk(waiting, fromHex("91 00 40") + gap(122), 50 * 2880), 0u);
     EXPECT_EQ(positionsOf(waiting), (Positions{ 20, 148, 276 }));
     EXPECT_EQ(waiting.stream->bytesIn, 23u + 2 * 128 + 125);
+}
+
+// A chunk that begins with a frame has that frame's time, in either byte order.
+TEST(Ac3Holes, SyncAtTheStartOfAChunkHasItsOwnTime)
+{
+    for (const char* const frame : { "0B 77 90 91 00 40", "77 0B 90 91 00 40" }) {
+        Handler handler(ORV_MUX_AC3_ANY);
+        EXPECT_EQ(feedChunk(handler, gap(20), 50 * 2880), 0u);
+        EXPECT_EQ(feedChunk(handler, fromHex(frame) + gap(122), 0), 0u);
+        EXPECT_EQ(positionsOf(handler), (Positions{ 20 })) << frame;
+        EXPECT_EQ(handler.stream->timeUsed, 1u);
+    }
+}
+
+// Six bytes from the end a sync belongs to its chunk, five from the end to the next.
+TEST(Ac3Holes, LastSyncOfAChunk)
+{
+    for (const char* const sync : { "0B 77 90 91 00", "77 0B 90 91 00" }) {
+        Handler seen(ORV_MUX_AC3_ANY);
+        EXPECT_EQ(feedChunk(seen, gap(20) + fromHex(sync) + gap(1), 0), 0u);
+        EXPECT_EQ(positionsOf(seen), (Positions{ 20 })) << sync;
+        EXPECT_EQ(seen.stream->timeUsed, 1u);
+        Handler waits(ORV_MUX_AC3_ANY);
+        EXPECT_EQ(feedChunk(waits, gap(20) + fromHex(sync), 0), 0u);
+        EXPECT_EQ(positionsOf(waits), Positions{}) << sync;
+        EXPECT_EQ(waits.stream->timeUsed, 0u);
+    }
 }
 
 TEST(Ac3Holes, HoleThatDoesNotFitTheRing)

@@ -177,6 +177,29 @@ TEST(VideoHoles, LaterTimeStaysForTheChunksOwnPicture)
     EXPECT_EQ(handler.stream->unitCount, 2u + 20);
 }
 
+// A chunk that begins with a picture has that picture's time.
+TEST(VideoHoles, PictureAtTheStartOfAChunkHasItsOwnTime)
+{
+    Handler handler(ORV_MUX_VIDEO);
+    EXPECT_EQ(feedChunk(handler, opening(), 18 * 3600), 0u);
+    EXPECT_EQ(feedChunk(handler, videoPicture(40, 0, 'I'), 3600), 0u);
+    EXPECT_EQ(handler.stream->unitCount, 1u);
+    EXPECT_EQ(handler.stream->timeUsed, 1u);
+}
+
+// Nine bytes from the end a picture belongs to its chunk, eight from the end to the next.
+TEST(VideoHoles, LastPictureOfAChunk)
+{
+    for (uint64_t bytes = 8; bytes <= 9; bytes++) {
+        Handler handler(ORV_MUX_VIDEO);
+        EXPECT_EQ(feedChunk(handler, opening() + videoPicture(bytes, 0, 'I'), 3600), 0u);
+        EXPECT_EQ(handler.stream->unitCount, bytes == 9 ? 1u : 0u);
+        EXPECT_EQ(handler.stream->timeUsed, bytes == 9 ? 1u : 0u);
+        EXPECT_EQ(feedChunk(handler, filler(8)), 0u);
+        EXPECT_EQ(handler.stream->unitCount, 1u);
+    }
+}
+
 TEST(VideoHoles, HoleThatDoesNotFitTheRing)
 {
     Handler handler(ORV_MUX_VIDEO);
