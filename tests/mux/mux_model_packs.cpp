@@ -213,7 +213,7 @@ Times timesOf(const MuxModel& model, const ModelStream& stream, uint64_t index)
         const uint64_t time = stream.unitTicks * index + model.audioDelay;
         return { time, time };
     }
-    if (index > stream.units.size() - 1) return {};   // an empty table has all ones here
+    if (index >= stream.units.size()) return {};
     const ModelUnit unit = unitOf(stream, index);
     return { unit.pts + model.videoDelay, unit.dts + model.videoDelay };
 }

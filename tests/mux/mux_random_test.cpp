@@ -299,6 +299,11 @@ void setUp(Race& race, Dice& dice)
     const bool scanned = dice.oneIn(2);
     const uint64_t videoFlags = scanned ? ORV_MUX_VIDEO : ORV_MUX_VIDEO_UNITS;
     std::vector<Feed> video = scanned ? videoInPieces(dice, shape) : videoInUnits(dice, shape);
+    if (shape.rough && dice.oneIn(12)) {
+        // Bytes without a picture; in small pieces both kinds store them.
+        video = plainly(dice.oneIn(2) ? pieces(dice, filler(150000 + dice.below(50000)))
+                                      : cut(filler(1 + dice.below(2000)), { 1 + dice.below(7) }));
+    }
     const uint64_t audios = dice.from({ 0, 1, 1, 1, 2, 3 });
     const bool late = audios == 1 && dice.oneIn(4);
     if (!late) {

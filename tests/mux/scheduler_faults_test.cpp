@@ -26,15 +26,45 @@ TEST(Scheduler, UnitThatIsNotThereInTime)
     EXPECT_EQ(stream->unitsDecoded, 3u);
 }
 
+TEST(Scheduler, UnitIsDueAtTheVeryTick)
+{
+    // Pack 7 is made at 7 x 146.2857 = 1024. Packs 1 to 6 have 2012 + 5 x 2025 = 12137 bytes.
+    for (const uint64_t bytes : { 12137u, 12138u }) {
+        MuxHost host;
+        MuxStream* stream = host.add(ORV_MUX_VIDEO_UNITS);
+        host.handle->started = 1;
+        host.handle->videoDelay = 1024;
+        host.handle->audioDelay = 4624;
+        const VideoStream video = makeVideo({ { .types = "IPPP", .bytes = { bytes - 20, 3000, 3000, 150000 } } });
+        uint64_t result = 0;
+        for (const Bytes& unit : video.units())
+            if (result == 0) result = host.feed(stream, unit);
+        EXPECT_EQ(result, bytes == 12137 ? 0u : 0x84000BC0u);
+        EXPECT_EQ(host.handle->packCount == 7, bytes == 12138);
+    }
+}
+
 TEST(Scheduler, UnitThatIsNotThereOnceEnded)
 {
-    // The same picture at the end of the stream, and audio: no underrun, all goes out.
+    // The third picture is due at 7200 + 877, in pack 55. There is no more to wait for: no underrun, all goes out. 2012
+    // bytes, 2015 with the start of the second picture, 199993 in packs of 2025.
     MuxHost host;
     MuxStream* stream = host.add(ORV_MUX_VIDEO_UNITS);
-    const VideoStream video = makeVideo({ { .types = "IPP", .bytes = { 2000, 2000, 100000 } } });
-    for (const Bytes& unit : video.units()) ASSERT_EQ(host.feed(stream, unit), 0u);
+    feedUnits(host, stream, makeVideo({ { .types = "IPP", .bytes = { 2000, 2000, 200000 } } }));
     ASSERT_EQ(host.exit(), 0u);
-    EXPECT_EQ(packLetters(host), "N" + std::string(52, 'v'));
+    EXPECT_EQ(packLetters(host), "N" + std::string(101, 'v'));
+}
+
+TEST(Scheduler, PassesThatPackNothing)
+{
+    // Bytes that belong to no picture. The first pass leaps to 14400, each later one a frame on: 4096 passes and no
+    // more.
+    MuxHost host;
+    MuxStream* stream = host.add(ORV_MUX_VIDEO_UNITS);
+    ASSERT_EQ(host.feed(stream, filler(10)), 0u);
+    EXPECT_EQ(host.exit(), 0x84000BC0u);
+    EXPECT_EQ(host.handle->clock, (14400 + 3600 * 4096) * uint64_t(3000000) + 438857143);
+    EXPECT_EQ(host.handle->packCount, 0u);
 }
 
 TEST(Scheduler, PictureThatCanNotBePacked)

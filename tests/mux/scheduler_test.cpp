@@ -81,6 +81,7 @@ TEST(Scheduler, DelaysFollowFromTheThirdUnit)
         { "50 packs",        100000, 0, RATE_CODE_PAL,  7899,  11499 },
         { "50 packs, NTSC",  100000, 0, RATE_CODE_NTSC, 7899,  10902 },
         { "52 packs",        100000, 1, RATE_CODE_PAL,  8192,  11792 },
+        { "53 packs",        100945, 1, RATE_CODE_PAL,  8338,  11938 },   // by one byte
         { "66 packs",        100000, 8, RATE_CODE_PAL,  10240, 13840 },
         { "1 pack",          2020,   0, RATE_CODE_PAL,  731,   4331  },
         { "2 packs",         2021,   0, RATE_CODE_PAL,  877,   4477  },
@@ -270,17 +271,32 @@ TEST(Scheduler, VideoRunsFifteenUnitsAhead)
 
 TEST(Scheduler, TimeAheadByAudioDelay)
 {
+    // 3600 u + audioDelay may not exceed the SCR + 80000. Picture 9, in pack 10, at 1462: 32400 + 49062 is the most.
+    // The picture's own time, 9 x 3600 + 14400, would do in any case.
+    for (const uint64_t audioDelay : { 49062u, 49063u }) {
+        MuxHost host;
+        MuxStream* stream = host.add(ORV_MUX_VIDEO_UNITS);
+        host.handle->started = 1;
+        host.handle->videoDelay = 14400;
+        host.handle->audioDelay = audioDelay;
+        feedUnits(host, stream, pictureAPack(30));
+        ASSERT_EQ(host.exit(), 0u);
+        EXPECT_EQ(scrOf(host.pack(9)), 1316u);
+        EXPECT_EQ(scrOf(host.pack(10)), audioDelay == 49062 ? 1462 : 14400u + 146);
+        EXPECT_EQ(scrOf(host.pack(11)), audioDelay == 49062 ? 14400u + 146 : 14400u + 292);
+    }
+}
+
+TEST(Scheduler, AudioMayRunMoreUnitsAhead)
+{
+    // The second pack begins with frame 16 of 128 bytes.
     MuxHost host;
-    MuxStream* stream = host.add(ORV_MUX_VIDEO_UNITS);
-    host.handle->started = 1;
-    host.handle->videoDelay = 14400;
-    host.handle->audioDelay = 50000;
-    feedUnits(host, stream, pictureAPack(30));
+    MuxStream* video = host.add(ORV_MUX_VIDEO_UNITS);
+    ASSERT_EQ(host.feed(host.add(ORV_MUX_AC3), ac3Frames(0, 60)), 0u);
+    feedUnits(host, video, makeVideo(gops(1, { .bytes = { 4000 } })));
     ASSERT_EQ(host.exit(), 0u);
-    // 3600 u + 50000 may not exceed the SCR + 80000: u = 8 is 78800; u = 9 is 82400, and pack 10 would have 1462. The
-    // picture's own time, 9 x 3600 + 14400, would do.
-    EXPECT_EQ(scrOf(host.pack(9)), 9 * PACK_UNITS / 3000000);
-    EXPECT_EQ(scrOf(host.pack(10)), 14400u + 146);
+    EXPECT_EQ(packLetters(host).substr(0, 4), "N00v");
+    EXPECT_EQ(ptsOf(host.pack(2)) - ptsOf(host.pack(1)), 16u * 2880);
 }
 
 TEST(Scheduler, ModelBufferHoldsBackTheVideo)
@@ -381,6 +397,20 @@ TEST(Scheduler, ReferenceEndsAreCollectedOverUnits)
     EXPECT_EQ(host.hexAt(navs[1], 1043, 12), "00 00 00 03 00 00 00 03 00 00 00 00");
     EXPECT_EQ(host.hexAt(navs[2], 1043, 12), "00 00 00 03 00 00 00 03 00 00 00 03");
     EXPECT_EQ(host.hexAt(navs[3], 1043, 12), "00 00 00 03 00 00 00 03 00 00 00 03");
+}
+
+TEST(Scheduler, UnitsBehindTheVideoPassHalfASecond)
+{
+    // LPCM of 150 ticks: 300 of them are 45000, which is not above; 301 are. The last of the 3017 units' bytes go out
+    // when 3005 have been decoded: behind the video, units begin with LPCM unit 301, 602, ... 2709.
+    MuxHost host;
+    MuxStream* video = host.add(ORV_MUX_VIDEO_UNITS);
+    MuxStream* audio = host.add(ORV_MUX_LPCM);
+    ASSERT_EQ(host.feed(audio, waveHeader()), 0u);
+    ASSERT_EQ(host.feed(audio, filler(3017 * 320)), 0u);
+    ASSERT_EQ(host.feedSequence(video, makeVideo({ { .types = "I", .bytes = { 300 }, .end = true } }).bytes), 0u);
+    ASSERT_EQ(host.exit(), 0u);
+    EXPECT_EQ(navSectors(host).size(), 10u);
 }
 
 TEST(Scheduler, AudioThatOutlastsTheVideo)
