@@ -28,11 +28,11 @@ constexpr uint64_t DELAY_PACK_NUMERATOR = 43886, DELAY_PACK_DENOMINATOR = 300;  
 constexpr uint64_t DELAY_DEFAULT = 14400;
 constexpr uint64_t DELAY_UNIT = 2;   // the unit whose start ends the first pictures
 
-constexpr uint64_t FILL_ONE = 0x10000, FILL_LIMIT = 0xF800;   // of the model's buffer: the whole, and 96.875 percent
-constexpr uint64_t VIDEO_UNITS_AHEAD = 15;                    // of the decoder
-constexpr uint64_t TICKS_AHEAD = 80000;                       // of the clock
-constexpr int64_t CLOSING_TICKS = 45000;                      // of a unit of packs behind the end of the video
-constexpr uint64_t IDLE_PASSES = 4096;   // in a row without a stream's bytes: the run can't end by itself
+constexpr uint64_t FILL_LIMIT = 0xF800;      // of the model's buffer, of 0x10000: 96.875 percent
+constexpr uint64_t VIDEO_UNITS_AHEAD = 15;   // of the decoder
+constexpr uint64_t TICKS_AHEAD = 80000;      // of the clock
+constexpr int64_t CLOSING_TICKS = 45000;     // of a unit of packs behind the end of the video
+constexpr uint64_t IDLE_PASSES = 4096;       // in a row without a stream's bytes: the run can't end by itself
 
 // One pass over the streams.
 struct Pass {
@@ -195,7 +195,7 @@ static uint64_t openVobu(const Pass* pass)
 // A stream that may be served.
 struct Candidate {
     bool served;
-    uint64_t ratio;   // fill of its model buffer, of FILL_ONE
+    uint64_t ratio;   // fill of its model buffer, of 0x10000
 };
 
 /** Whether a stream may fill the next pack, but for what the others do. */
