@@ -33,19 +33,23 @@ MuxStream* MuxHost::add(uint64_t flags)
     return stream;
 }
 
-uint64_t MuxHost::feed(MuxStream* stream, const Bytes& chunk, uint64_t flags)
+// A copy has memory of exactly its size, so that a read behind it shows.
+uint64_t MuxHost::feed(MuxStream* stream, const Bytes& given, uint64_t flags)
 {
+    const Bytes chunk = given;
     used = 0xEEEEEEEE;
     return MuxData(handle, stream, chunk.data(), chunk.size(), &used, flags);
 }
 
-uint64_t MuxHost::feedAt(MuxStream* stream, const Bytes& chunk, uint64_t time, uint64_t flags)
+uint64_t MuxHost::feedAt(MuxStream* stream, const Bytes& given, uint64_t time, uint64_t flags)
 {
+    const Bytes chunk = given;
     return MuxDataEx(handle, stream, chunk.data(), chunk.size(), flags, time);
 }
 
-uint64_t MuxHost::feedSequence(MuxStream* stream, const Bytes& chunk)
+uint64_t MuxHost::feedSequence(MuxStream* stream, const Bytes& given)
 {
+    const Bytes chunk = given;
     used = 0xEEEEEEEE;
     return MuxVideoSeq(handle, stream, chunk.data(), chunk.size(), &used);
 }

@@ -79,6 +79,8 @@ TEST(Scheduler, PictureThatCanNotBePacked)
             if (result == 0) result = host.feed(stream, chunk);
         EXPECT_EQ(result, 0x84000BC0u) << flags;
         EXPECT_EQ(stream->bytesPacked, 0u) << flags;
+        EXPECT_EQ(host.handle->packCount, 1u) << flags;
+        EXPECT_EQ(host.handle->navJustWritten, 1u) << flags;
     }
 }
 

@@ -197,6 +197,7 @@ TEST(Scheduler, AnyStreamHoldsBackAll)
     ASSERT_EQ(host.feed(audio, filler(1)), 0u);
     // A navigation pack, and one of audio, which leaves too little.
     EXPECT_EQ(host.handle->packCount, 2u);
+    EXPECT_EQ(host.handle->navJustWritten, 0u);
     EXPECT_EQ(audio->bytesPacked, 2013u);
 }
 
