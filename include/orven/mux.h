@@ -32,7 +32,7 @@ typedef uint64_t (*OrvMuxWrite)(uint64_t user, const uint8_t* sectors, uint64_t 
 #define ORV_MUX_WAVEFORMAT 0x10 /* the chunk is a WAVEFORMATEX, 18 bytes, in place of a RIFF header */
 #define ORV_MUX_SEQUENCE 0x200  /* the chunk is a whole video sequence: MuxVideoSeq */
 
-#define ORV_MUX_NO_TIME (~(uint64_t)0)
+#define ORV_MUX_NO_TIME UINT64_MAX
 
 /** Makes a handle. write may be null: the packs are dropped then. @return 0; 0x84000057 if out is null; a number of the
  * platform */
