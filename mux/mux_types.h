@@ -105,8 +105,7 @@ struct MuxStream {
     // Units of the table by rising index and position: those behind which no other begins earlier. For the search of
     // the current one; a memory block.
     uint64_t* unitOrder;
-    uint64_t orderCount;     // entries in use
-    uint64_t orderedUnits;   // units of the table that it knows
+    uint64_t orderCount;   // entries in use
 
     MuxStream* nextOwned;   // of all streams of the handle, those that another has replaced in its slot too
 };

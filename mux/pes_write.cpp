@@ -20,8 +20,10 @@ static uint64_t putHeaderData(uint8_t* to, const MuxStream* stream, uint64_t fla
         at += TIME_STAMP_BYTES;
     }
     if (flags & PACK_HAS_EXTENSION) {
-        *at++ = 0x1E;
-        *at++ = uint8_t(0x40 | (stream->stdScale << 5 & 0x20) | (stream->stdBound >> 8 & 0x1F));
+        constexpr uint8_t ONLY_STD_BUFFER = 0x1E,
+                          STD_MARK = 0x40;   // flags of the extension; the buffer's two top bits
+        *at++ = ONLY_STD_BUFFER;
+        *at++ = uint8_t(STD_MARK | (stream->stdScale << 5 & 0x20) | (stream->stdBound >> 8 & 0x1F));
         *at++ = uint8_t(stream->stdBound);
     }
     return uint64_t(at - to);

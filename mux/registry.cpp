@@ -1,11 +1,10 @@
 // registry.cpp: makes and releases the handle of a multiplexer and registers its streams.
 
-#include "mux/registry.h"
-
 #include "base/bytes.h"
 #include "base/memory.h"
 #include "base/result.h"
 #include "base/wide.h"
+#include "mux/mux_types.h"
 #include "mux/nav_fill.h"
 #include "mux/ring.h"
 #include "mux/scheduler.h"
@@ -14,11 +13,22 @@
 
 // ---- handle -------------------------------------------------------------------------------------------------------
 
+static void freeStream(MuxStream** stream)
+{
+    if (!*stream) return;
+    (void)osCloseFile(&(*stream)->file);
+    orvRingFree(&(*stream)->ring);
+    (void)osFreeMem(&(*stream)->unitTable);
+    (void)osFreeMem(&(*stream)->unitOrder);
+    (void)osFreeMem(&(*stream)->readScratch);
+    (void)osFreeMem(stream);
+}
+
 static void freeHandle(MuxContext** handle)
 {
     while (MuxStream* stream = (*handle)->owned) {
         (*handle)->owned = stream->nextOwned;
-        orvFreeMuxStream(&stream);
+        freeStream(&stream);
     }
     (void)osFreeMem(&(*handle)->outBuffer);
     (void)osFreeMem(handle);
@@ -44,17 +54,6 @@ extern "C" uint64_t InitMuxer(MuxContext** out, OrvMuxWrite write, uint64_t user
 }
 
 // ---- streams ------------------------------------------------------------------------------------------------------
-
-void orvFreeMuxStream(MuxStream** stream)
-{
-    if (!*stream) return;
-    (void)osCloseFile(&(*stream)->file);
-    orvRingFree(&(*stream)->ring);
-    (void)osFreeMem(&(*stream)->unitTable);
-    (void)osFreeMem(&(*stream)->unitOrder);
-    (void)osFreeMem(&(*stream)->readScratch);
-    (void)osFreeMem(stream);
-}
 
 // The free slots of a kind's family, and what their lack is called.
 struct FamilySlots {
@@ -114,7 +113,7 @@ static uint64_t makeStream(uint64_t flags, MuxStream** stream)
     (*stream)->kind = orvKindOfFlags(flags, &watermark);
     uint64_t result = orvRingCreate(&(*stream)->ring, watermark);
     if (!result && orvIsVideo(*stream)) result = osAllocMem(0, &(*stream)->unitTable);
-    if (result) orvFreeMuxStream(stream);
+    if (result) freeStream(stream);
     return result;
 }
 
@@ -133,7 +132,7 @@ extern "C" uint64_t AddStream(MuxContext* handle, uint64_t /*reserved*/, uint64_
     MuxStream* made = nullptr;
     if (uint64_t error = makeStream(flags, &made)) return error;
     if (uint64_t error = registerStream(handle, made)) {
-        orvFreeMuxStream(&made);
+        freeStream(&made);
         return error;
     }
     MuxStream* found = handle->streams[slotOfFlags(handle, flags)];

@@ -36,16 +36,13 @@ uint64_t orvAddUnit(MuxStream* stream, const MuxUnit& unit)
 {
     const uint64_t index = orvUnitRecords(stream);
     if (uint64_t error = osListAppend(&stream->unitTable, unit)) return error;
-    if (index > 0) {   // the first unit is current by another rule
-        if (uint64_t error = order(stream, index)) return error;
-    }
-    stream->orderedUnits++;
-    return 0;
+    return index == 0 ? 0 : order(stream, index);   // the first unit is current by another rule
 }
 
-/** The last unit in order that does not begin behind what is packed. */
-static uint64_t searchOrder(const MuxStream* stream)
+uint64_t orvCurrentUnit(const MuxStream* stream)
 {
+    if (stream->unitCount < 2 || stream->bytesPacked < orvUnitRecord(stream, 1).position) return 0;
+    // The last unit of the order that does not begin behind what is packed.
     uint64_t first = 0, end = stream->orderCount;
     while (first < end) {
         const uint64_t middle = first + (end - first) / 2;
@@ -56,15 +53,4 @@ static uint64_t searchOrder(const MuxStream* stream)
         }
     }
     return first == 0 ? NONE : stream->unitOrder[first - 1];
-}
-
-uint64_t orvCurrentUnit(const MuxStream* stream)
-{
-    const uint64_t count = orvUnitRecords(stream);
-    if (stream->unitCount < 2 || stream->bytesPacked < orvUnitRecord(stream, 1).position) return 0;
-    if (stream->orderedUnits == count) return searchOrder(stream);
-    for (uint64_t i = count; i-- > 1;) {   // a table that was not made unit by unit
-        if (stream->unitTable[i].position <= stream->bytesPacked) return i;
-    }
-    return NONE;
 }

@@ -1,5 +1,7 @@
 #include "tests/mux/handler_rig.h"
 
+#include "mux/unit_table.h"
+
 #include "base/memory.h"
 #include "mux/ring.h"
 
@@ -97,7 +99,8 @@ void setUnits(Handler& handler, const std::vector<MuxUnit>& units)
 {
     EXPECT_EQ(osFreeMem(&handler.stream->unitTable), 0u);
     EXPECT_EQ(osAllocMem(0, &handler.stream->unitTable), 0u);
-    for (const MuxUnit& unit : units) EXPECT_EQ(osListAppend(&handler.stream->unitTable, unit), 0u);
+    handler.stream->orderCount = 0;
+    for (const MuxUnit& unit : units) EXPECT_EQ(orvAddUnit(handler.stream, unit), 0u);
     handler.stream->unitCount = units.size();
 }
 
