@@ -73,6 +73,11 @@ inline void orvPut32(uint8_t* to, uint64_t value)
     return orvGetLittle16(from + 2) << 16 | orvGetLittle16(from);
 }
 
+inline void orvPutLittle32(uint8_t* to, uint32_t value)
+{
+    for (uint32_t i = 0; i < 4; i++) to[i] = uint8_t(value >> 8 * i);
+}
+
 /** Stores value big-endian in a field of 1, 2 or 4 bytes; higher bits are dropped. */
 inline void orvPut(uint8_t* structure, const DiscField& field, uint64_t value)
 {

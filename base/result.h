@@ -12,6 +12,7 @@ inline constexpr uint64_t ORV_LIBRARY = 0x84000000;   // the library's codes: th
 
 // Codes of the library that have no text.
 inline constexpr uint64_t ORV_INVALID_ARGUMENT = ORV_LIBRARY + 87;           // a required pointer was null
+inline constexpr uint64_t ORV_NOT_A_PACK = ORV_LIBRARY + 9002;               // a stream is not one of packs
 inline constexpr uint64_t ORV_TOO_MANY_AUDIO_STREAMS = ORV_LIBRARY + 1035;   // `astreams` above 8
 inline constexpr uint64_t ORV_TITLE_SET_SKIPPED = ORV_LIBRARY + 1099;        // `skipvts`; never leaves the library
 

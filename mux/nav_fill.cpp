@@ -7,7 +7,7 @@
 #include "mux/nav_layout.h"
 
 constexpr uint8_t SUB_STREAM_PCI = 0, SUB_STREAM_DSI = 1;
-constexpr uint32_t NEVER = 0xFFFFFFFF, NO_VIDEO_UNIT = 0xBFFFFFFF, NO_UNIT = 0x3FFFFFFF;
+constexpr uint32_t NEVER = 0xFFFFFFFF;
 
 // Time code of the unit's first picture. Meant: a count of 25 a second also for other material; the pass over the
 // stream turns it into the real one. Test: NavFill.ElapsedTimeCountsTwentyFive
@@ -36,11 +36,6 @@ static void fillPci(const MuxContext* handle, uint8_t* pack, bool last)
     orvPut(pack, PCI_FOSL_BTNN, 1);
 }
 
-static void fillPointers(uint8_t* pack, const DiscField& field)
-{
-    for (uint64_t i = 0; i < SEARCH_DISTANCES; i++) orvPut32(pack + field.at + i * SEARCH_BYTES, NO_UNIT);
-}
-
 static void fillDsi(const MuxContext* handle, uint8_t* pack)
 {
     orvPut(pack, DSI_PACKET, NAV_PACKET_START);
@@ -57,12 +52,7 @@ static void fillDsi(const MuxContext* handle, uint8_t* pack)
     putElapsed(pack, DSI_C_ELTM, handle->vobuFirstUnit);
     orvPut(pack, DSI_VOB_V_S_S_PTM, 0);
     orvPut(pack, DSI_VOB_V_E_E_PTM, 0);
-    orvPut(pack, DSI_NEXT_VIDEO, NO_VIDEO_UNIT);
-    fillPointers(pack, DSI_FWDA);
-    orvPut(pack, DSI_NEXT_VOBU, NO_UNIT);
-    orvPut(pack, DSI_PREV_VOBU, NO_UNIT);
-    fillPointers(pack, DSI_BWDA);
-    orvPut(pack, DSI_PREV_VIDEO, NO_VIDEO_UNIT);
+    orvClearSearch(pack);
 }
 
 void orvFillNavPack(const MuxContext* handle, uint8_t* pack, bool last)

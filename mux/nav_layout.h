@@ -90,8 +90,34 @@ inline constexpr uint32_t NAV_PACKET_START = 0x000001BF;
 inline constexpr uint32_t PCI_PACKET_LENGTH = 0x03D4;   // 980
 inline constexpr uint32_t DSI_PACKET_LENGTH = 0x03FA;   // 1018
 
+// Search pointers lead to the neighbours of a unit, and to the units at nineteen distances of time. A pointer is a
+// distance in sectors, and in its top bits what there is at the place.
 inline constexpr uint64_t SEARCH_DISTANCES = 19;
 inline constexpr uint64_t SEARCH_BYTES = 4;
+// Steps of half a second to 7.5 s, then 10, 30, 60 and 120 s, in ticks.
+inline constexpr uint64_t SEARCH_TICKS[SEARCH_DISTANCES] = { 45000,  90000,  135000,  180000,  225000,  270000, 315000,
+                                                             360000, 405000, 450000,  495000,  540000,  585000, 630000,
+                                                             675000, 900000, 2700000, 5400000, 10800000 };
+inline constexpr uint32_t POINTER_DISTANCE = 0x3FFFFFFF;
+inline constexpr uint32_t POINTER_VALID = 0x80000000;   // a unit with video
+inline constexpr uint32_t POINTER_NONE = 0x3FFFFFFF;
+// Meant: the neighbours with video say "none" with another top bit than the plain neighbours.
+// Test: NavSearch.NothingLeavesTheCellOrTheVob
+inline constexpr uint32_t POINTER_NONE_VIDEO = 0xBFFFFFFF;
+
+/** Makes all search pointers of a navigation pack lead nowhere. */
+inline void orvClearSearch(uint8_t* pack)
+{
+    for (uint64_t i = 0; i < SEARCH_DISTANCES; i++) {
+        orvPut32(pack + DSI_FWDA.at + i * SEARCH_BYTES, POINTER_NONE);
+        orvPut32(pack + DSI_BWDA.at + i * SEARCH_BYTES, POINTER_NONE);
+    }
+    orvPut(pack, DSI_NEXT_VIDEO, POINTER_NONE_VIDEO);
+    orvPut(pack, DSI_NEXT_VOBU, POINTER_NONE);
+    orvPut(pack, DSI_PREV_VOBU, POINTER_NONE);
+    orvPut(pack, DSI_PREV_VIDEO, POINTER_NONE_VIDEO);
+}
+
 inline constexpr uint64_t AUDIO_SYNC_BYTES = 2;
 inline constexpr uint64_t AUDIO_SYNC_ENTRIES = DSI_A_SYNCA.size / AUDIO_SYNC_BYTES;
 inline constexpr uint64_t SUBPICTURE_SYNC_BYTES = 4;

@@ -7,7 +7,8 @@
 
 #include <cstdint>
 
-inline constexpr uint8_t PACK_START = 0xBA;   // last byte of a start code, as those of the streams
+inline constexpr uint8_t START_CODE_PREFIX = 0x01;   // the last byte of 00 00 01
+inline constexpr uint8_t PACK_START = 0xBA;          // last byte of a start code, as those of the streams
 inline constexpr uint8_t PROGRAM_END = 0xB9;
 inline constexpr uint8_t STREAM_SYSTEM_HEADER = 0xBB;
 inline constexpr uint8_t STREAM_PADDING = 0xBE;

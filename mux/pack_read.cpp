@@ -2,6 +2,7 @@
 
 #include "mux/pack_read.h"
 
+#include "mux/nav_layout.h"
 #include "mux/pack_layout.h"
 
 // The clocks of a pack are 33 bits wide. Meant: the top bit is neither read nor stored, so that a clock wraps after 13
@@ -38,4 +39,10 @@ uint64_t orvReadPts(const uint8_t* pack)
     const uint8_t* b = pack + PACK_PES_PTS.at;   // lead + bits 32..30, 1, bits 29..15, 1, bits 14..0, 1
     return signExtend(uint32_t(b[0] & 0x06) << 29 | uint32_t(b[1]) << 22 | uint32_t(b[2] & 0xFE) << 14 |
                       uint32_t(b[3]) << 7 | uint32_t(b[4]) >> 1);
+}
+
+bool orvIsNavPack(const uint8_t* pack)
+{
+    return pack[PACK_PACKET_PREFIX.at] == START_CODE_PREFIX && pack[PACK_STREAM_ID.at] == STREAM_SYSTEM_HEADER &&
+           pack[PCI_PACKET.at + 2] == START_CODE_PREFIX;
 }

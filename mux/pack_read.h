@@ -10,3 +10,5 @@
 void orvSetScr(uint8_t* pack, uint64_t scr, uint64_t extension);
 /** PTS of the PES packet behind the pack header, as orvReadScr gives its clock; 0 if the packet has none. */
 [[nodiscard]] uint64_t orvReadPts(const uint8_t* pack);
+/** A packet behind the system header, where other packs with a system header have none. Looks at bytes 16, 17, 40. */
+[[nodiscard]] bool orvIsNavPack(const uint8_t* pack);

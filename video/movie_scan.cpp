@@ -20,7 +20,6 @@
 constexpr uint64_t CARRY_BYTES = 6;
 constexpr uint64_t PICTURE_HEADER_END = 6;   // start code 00 00 01 00 and two header bytes
 
-constexpr uint8_t START_CODE_PREFIX = 0x01;   // the last byte of 00 00 01
 constexpr uint64_t START_CODE_BYTES = 4;
 constexpr uint8_t MPEG_AUDIO_STREAMS = 8;
 constexpr uint64_t PICTURE_I = 1, PICTURE_P = 2;
@@ -63,13 +62,6 @@ uint64_t orvCountFilePacks(const DiscContext* context, char16_t* const* sources,
     }
     *sectors = bytes >> SECTOR_SHIFT;
     return 0;
-}
-
-static bool isNavPack(const uint8_t* pack)
-{
-    // A packet behind the system header, where other packs with a system header have none.
-    return pack[PACK_PACKET_PREFIX.at] == START_CODE_PREFIX && pack[PACK_STREAM_ID.at] == STREAM_SYSTEM_HEADER &&
-           pack[PCI_PACKET.at + 2] == START_CODE_PREFIX;
 }
 
 /** Closes the record of the unit that ends before the pack at hand, and appends it. */
@@ -251,7 +243,7 @@ uint64_t orvGetMovieInfo(const DiscContext* context, const TitleSetDesc* titleSe
         const uint8_t* pack = nullptr;
         result = orvNextPack(&source, &pack);
         if (result || !pack) break;
-        if (isNavPack(pack)) {
+        if (orvIsNavPack(pack)) {
             if (progress && !noProgress && !progress(context, total, scan.sector, progressUser)) result = ORV_CANCELED;
             if (!result) result = scanNavPack(&scan, pack);
         } else {

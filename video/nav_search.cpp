@@ -6,23 +6,12 @@
 #include "base/time_code.h"
 #include "mux/nav_layout.h"
 
-// A search pointer: distance in sectors, and in its top bits what there is at the place.
-constexpr uint32_t POINTER_DISTANCE = 0x3FFFFFFF;
-constexpr uint32_t POINTER_VALID = 0x80000000;       // a unit with video
-constexpr uint32_t POINTER_VALID_FAR = 0xC0000000;   // the same, with units passed over on the way
-constexpr uint32_t POINTER_NONE = 0x3FFFFFFF;
-// Meant: the neighbours with video say "none" with another top bit than the plain neighbours.
-// Test: NavSearch.NothingLeavesTheCellOrTheVob
-constexpr uint32_t POINTER_NONE_VIDEO = 0xBFFFFFFF;
-constexpr uint32_t POINTER_PASSED = 0x7FFFFFFF;   // no unit there, and the step before did not reach the cell's end
+constexpr uint32_t POINTER_VALID_FAR = 0xC0000000;   // a unit with video, and units passed over on the way
+constexpr uint32_t POINTER_PASSED = 0x7FFFFFFF;      // no unit there, and the step before did not reach the cell's end
 
-// Steps of half a second to 7.5 s, then 10, 30, 60 and 120 s, in ticks.
-constexpr uint64_t DISTANCES[SEARCH_DISTANCES] = { 45000,  90000,  135000,  180000,  225000,  270000, 315000,
-                                                   360000, 405000, 450000,  495000,  540000,  585000, 630000,
-                                                   675000, 900000, 2700000, 5400000, 10800000 };
 constexpr uint64_t FIRST_FAR = 15;                          // from this distance on pointers are of the far form
 constexpr uint64_t FIRST_MARKING = 14, LAST_MARKING = 17;   // distances whose hit marks the next distance as passed
-constexpr uint64_t LONGEST = DISTANCES[SEARCH_DISTANCES - 1];
+constexpr uint64_t LONGEST = SEARCH_TICKS[SEARCH_DISTANCES - 1];
 
 static bool sameCell(const VobuRecord* a, const VobuRecord* b)
 {
@@ -114,7 +103,7 @@ void orvFillForwardSearch(const VobuSearch* search, uint8_t* pack)
     for (uint64_t k = 0; k < SEARCH_DISTANCES; k++) {
         // From the far end: of several hits the nearest stays.
         for (uint64_t i = search->high; i > search->index; i--) {
-            if (!holds(search, i, start + DISTANCES[k])) continue;
+            if (!holds(search, i, start + SEARCH_TICKS[k])) continue;
             const uint64_t sectors = search->list[i].sector - sector;
             putHit(pointers, k, sectors, sectors == search->lastSector - sector);
         }
@@ -133,7 +122,7 @@ void orvFillBackwardSearch(const VobuSearch* search, uint8_t* pack)
     const uint64_t start = startOf(search, search->index);
     for (uint64_t k = 0; k < SEARCH_DISTANCES; k++) {
         for (uint64_t i = search->low; i < search->index; i++) {
-            if (!holds(search, i, start - DISTANCES[k])) continue;
+            if (!holds(search, i, start - SEARCH_TICKS[k])) continue;
             const uint64_t sectors = sector - search->list[i].sector;
             putHit(pointers, k, sectors, sector - sectors == search->firstSector);
         }

@@ -7,10 +7,6 @@
 #include "base/result.h"
 #include "video/movie_scan.h"
 
-// A scan file is two 32-bit little-endian words, then VobuRecords.
-constexpr uint64_t SCAN_FILE_MARK = 1;   // the first word; the second is the size of the stream in sectors
-constexpr uint64_t SCAN_FILE_HEADER = 8;
-
 static uint64_t readScanFile(OSFILE file, VobuRecord** list, uint64_t* sectors)
 {
     uint64_t size = 0;
@@ -26,7 +22,7 @@ static uint64_t readScanFile(OSFILE file, VobuRecord** list, uint64_t* sectors)
         (void)osFreeMem(list);
         return error;
     }
-    *sectors = orvGetLittle32(header + 4);
+    *sectors = orvGetLittle32(header + SCAN_FILE_PACKS);
     return 0;
 }
 

@@ -21,6 +21,11 @@ struct VobuRecord {
 };
 static_assert(sizeof(VobuRecord) == 96);
 
+// A stream scan file is two 32-bit little-endian words, then VobuRecords.
+inline constexpr uint32_t SCAN_FILE_MARK = 1;     // the first word
+inline constexpr uint64_t SCAN_FILE_PACKS = 4;    // offset of the second word: the stream's size in sectors
+inline constexpr uint64_t SCAN_FILE_HEADER = 8;   // bytes
+
 enum StreamPackKind : uint64_t {
     PACK_UNKNOWN = 0,
     PACK_LPCM = 8,

@@ -3,9 +3,11 @@
 #define ORVEN_ORVEN_H
 
 #include <orven/authoring.h>
+#include <orven/disc.h>
 #include <orven/mux.h>
 #include <orven/preview.h>
 #include <orven/results.h>
+#include <orven/scan.h>
 #include <orven/types.h>
 
 #endif
