@@ -6,6 +6,7 @@
 #include "mux.h"
 #include "platform.h"
 #include "preview.h"
+#include "scan.h"
 #include "text.h"
 
 #include <CLI/CLI.hpp>
@@ -84,7 +85,23 @@ begin together. All of them must fit into 10.08 Mbit/s.
 
 OUT is written over if it is there. It is a movie that a project can name as `source`:
   orven mux -o disc/VIDEO_TS/VTS_01_1.VOB --video film.m2v --audio film.ac3
-  orven author project.ini --target disc/VIDEO_TS)";
+  orven author project.ini --target disc/VIDEO_TS
+
+With --scan-file the movie goes through the pass of `orven scan` as well.)";
+
+static const char SCAN_FOOTER[] =
+    R"(IN is a program stream of `orven mux`. The pass completes its navigation packs, numbers
+the cells, and writes a scan file, which a project names as `streamscanfile`: authoring then
+neither reads nor changes the movie, which comes out with the cells that it has here.
+  orven scan film.vob -o disc/VIDEO_TS/VTS_01_1.VOB --scan-file film.scan --cells cells.txt
+
+Without --interval and --cells the movie is one cell. --interval 600 begins one every ten
+minutes. A file of --cells has the start of a cell on each line, as seconds (90.5) or
+[H:]MM:SS (1:30.5); blank lines and what stands behind a # are passed over, and the start
+at 0 may be left out. A cell begins with the first unit that starts at its time or later.
+
+The whole stream is looked at before anything is written. OUT and the scan file are written
+over if they are there; IN is never changed.)";
 
 static const char EXPLAIN_FOOTER[] = R"(CODE is the number of a message, 1012, or a whole result as a program gets it,
 0x840003F4 or 2214593524. Numbers below 1000 are those of the operating system.)";
@@ -95,7 +112,7 @@ static fs::path toPath(const std::string& utf8)
 }
 
 struct CommandLine {
-    std::string project, target, previous, log, out, code, video, scanFile;
+    std::string project, target, previous, log, out, code, video, scanFile, interval, cells, in;
     std::vector<std::string> sounds;
     uint32_t button = 0;
     bool pal = false, ntsc = false, quiet = false;
@@ -145,6 +162,13 @@ static void addPreview(CLI::App* app, CommandLine* line)
     preview->footer(PREVIEW_FOOTER);
 }
 
+static void addCells(CLI::App* command, CommandLine* line)
+{
+    command->add_option("--interval", line->interval, "Begin a cell each time so many seconds have gone")
+        ->type_name("SECONDS");
+    command->add_option("--cells", line->cells, "Begin cells at the times that this file lists")->type_name("FILE");
+}
+
 static void addMux(CLI::App* app, CommandLine* line)
 {
     CLI::App* mux = app->add_subcommand("mux", "Make a movie of elementary streams")->group("Commands");
@@ -156,9 +180,27 @@ static void addMux(CLI::App* app, CommandLine* line)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     mux->add_flag("--pal", line->pal, "Refuse video that is not PAL");
     mux->add_flag("--ntsc", line->ntsc, "Refuse video that is not NTSC");
-    mux->add_option("--scan-file", line->scanFile, "Kept for a later version")->type_name("FILE");
+    mux->add_option("--scan-file", line->scanFile, "Complete the navigation data, and write this scan file")
+        ->type_name("FILE");
+    addCells(mux, line);
     addQuiet(mux, line);
     mux->footer(MUX_FOOTER);
+}
+
+static void addScan(CLI::App* app, CommandLine* line)
+{
+    CLI::App* scan = app->add_subcommand("scan", "Complete a movie's navigation data")->group("Commands");
+    scan->add_option("IN", line->in, "The movie, a program stream")->required()->type_name("");
+    scan->add_option("-o,--out", line->out, "The completed movie")->required()->type_name("OUT");
+    scan->add_option("--scan-file", line->scanFile, "The scan file")->required()->type_name("FILE");
+    addCells(scan, line);
+    addQuiet(scan, line);
+    scan->footer(SCAN_FOOTER);
+}
+
+static ScanOptions scanOptions(const CommandLine& line)
+{
+    return { toPath(line.scanFile), line.interval, toPath(line.cells) };
 }
 
 static int runMux(const CommandLine& line)
@@ -166,7 +208,7 @@ static int runMux(const CommandLine& line)
     MuxOptions options;
     options.out = toPath(line.out);
     options.video = toPath(line.video);
-    options.scanFile = toPath(line.scanFile);
+    options.scan = scanOptions(line);
     for (const std::string& sound : line.sounds) options.sounds.push_back(toPath(sound));
     options.pal = line.pal;
     options.ntsc = line.ntsc;
@@ -198,6 +240,8 @@ static int runCommand(const CLI::App& app, const CommandLine& line)
 {
     if (app.got_subcommand("explain")) return runExplain(line.code);
     if (app.got_subcommand("mux")) return runMux(line);
+    if (app.got_subcommand("scan"))
+        return runScan({ toPath(line.in), toPath(line.out), scanOptions(line), line.quiet });
     if (app.got_subcommand("preview")) {
         return runPreview({ toPath(line.project), toPath(line.out), toPath(line.log), line.button, line.quiet });
     }
@@ -216,6 +260,7 @@ int runCommandLine(const std::vector<std::string>& arguments)
     app.footer(FOOTER);
     addAuthor(&app, &line);
     addMux(&app, &line);
+    addScan(&app, &line);
     addPreview(&app, &line);
     addExplain(&app, &line);
     if (arguments.empty()) {

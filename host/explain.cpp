@@ -52,6 +52,7 @@ std::string ownText(uint64_t code)
     case CODE_INVALID_ARGUMENT: return "a file has not the form that it should have, or an argument was invalid";
     case CODE_AUDIO_STREAMS: return "more than 8 audio streams";
     case CODE_TITLE_SET_SKIPPED: return "a title set is skipped";
+    case CODE_NO_PACK: return "a pack does not begin with the pack start code";
     case CODE_BASE_ARGUMENT: return "an argument was invalid";
     case CODE_BASE_MEMORY: return "out of memory";
     case CODE_SHORT_READ: return "a file is shorter than it should be";

@@ -3,10 +3,10 @@
 
 #include "cli.h"
 #include "codes.h"
-#include "explain.h"
 #include "interrupt.h"
 #include "mux_feed.h"
 #include "named_file.h"
+#include "outputs.h"
 #include "platform.h"
 #include "progress.h"
 #include "report.h"
@@ -17,67 +17,46 @@
 namespace fs = std::filesystem;
 
 static constexpr size_t MOST_SOUNDS = 8;
-static constexpr uint64_t SECTOR_BYTES = 2048;
-
-// What the multiplexer hands out.
-struct MuxOutput {
-    fs::path path;
-    std::ofstream out = {};
-    uint64_t sectors = 0;
-    bool made = false;      // the file is of this run
-    bool refused = false;   // it can't be written
-    bool given = false;     // up: nothing more is wanted
-};
 
 struct MuxRun {
     const MuxOptions* options;
     std::vector<MuxSource> sources = {};
-    MuxOutput output = {};
+    MovieFile output = {};
+    bool scans = false;   // what the multiplexer hands out goes through the scan
+    StreamScan scan = {};
     ProgressDisplay display = {};
 };
 
-// ---- failures -----------------------------------------------------------------------------------------------------
-
-static int reportFault(const fs::path& path, const StreamFault& fault)
-{
-    const std::string name = printablePath(path);
-    if (fault.code) {
-        platformPrintError("error: " + resultLine(fault.code, platformResultText(fault.code)) + "\n  " + name + ": " +
-                           fault.why + "\n" + moreLine(fault.code));
-    } else {
-        platformPrintError("error: " + name + ": " + fault.why + "\n");
-    }
-    return EXIT_RUN_FAILED;
-}
-
 // ---- before the run -----------------------------------------------------------------------------------------------
 
-static int checkInput(const fs::path& path, const fs::path& out)
+static std::vector<fs::path> inputsOf(const MuxOptions& options)
 {
-    std::error_code error;
-    if (const std::string why = notReadableWhy(path); !why.empty()) return refuse(printablePath(path) + ": " + why);
-    if (fs::equivalent(path, out, error)) return refuse("the output " + printablePath(out) + " is one of the inputs");
-    return EXIT_DONE;
+    std::vector<fs::path> inputs = { options.video };
+    inputs.insert(inputs.end(), options.sounds.begin(), options.sounds.end());
+    return inputs;
+}
+
+static int checkScanUsage(const ScanOptions& scan)
+{
+    if (!scan.scanFile.empty()) return checkScanFile(scan.scanFile);
+    if (scan.interval.empty() && scan.cellsFile.empty()) return EXIT_DONE;
+    return refuse("--interval and --cells divide a stream for its scan file: name that by --scan-file");
 }
 
 static int checkUsage(const MuxOptions& options)
 {
-    std::error_code error;
-    if (!options.scanFile.empty()) {
-        return refuse("--scan-file is kept for the pass that completes the navigation data of a stream and writes a "
-                      "scan file; this version has no such pass");
-    }
     if (options.pal && options.ntsc) return refuse("--pal and --ntsc exclude each other");
     if (options.sounds.size() > MOST_SOUNDS) return refuse("a movie has at most eight sound tracks");
-    if (const int refused = checkInput(options.video, options.out)) return refused;
-    for (const fs::path& sound : options.sounds) {
-        if (const int refused = checkInput(sound, options.out)) return refused;
+    std::vector<fs::path> inputs = inputsOf(options);
+    for (const fs::path& input : inputs) {
+        if (const std::string why = notReadableWhy(input); !why.empty())
+            return refuse(printablePath(input) + ": " + why);
     }
-    // Only files are written over: a link could lead to one that the user has not named.
-    const fs::file_status there = fs::symlink_status(options.out, error);
-    if (fs::exists(there) && !fs::is_regular_file(there))
-        return refuse("the output " + printablePath(options.out) + " is there and is no plain file");
-    return EXIT_DONE;
+    if (!options.scan.cellsFile.empty()) inputs.push_back(options.scan.cellsFile);
+    std::vector<Output> outputs = { { "the output", options.out } };
+    if (!options.scan.scanFile.empty()) outputs.push_back({ "the scan file", options.scan.scanFile });
+    if (const int refused = checkOutputs(outputs, inputs)) return refused;
+    return checkScanUsage(options.scan);
 }
 
 static StreamFault misplacedWhy(const MuxOptions& options, const MuxSource& source, bool video)
@@ -97,9 +76,7 @@ static StreamFault misplacedWhy(const MuxOptions& options, const MuxSource& sour
 
 static int openSources(MuxRun* run)
 {
-    std::vector<fs::path> paths = { run->options->video };
-    paths.insert(paths.end(), run->options->sounds.begin(), run->options->sounds.end());
-    for (const fs::path& path : paths) {
+    for (const fs::path& path : inputsOf(*run->options)) {
         const bool video = run->sources.empty();
         MuxSource& source = run->sources.emplace_back();
         source.path = path;
@@ -111,23 +88,12 @@ static int openSources(MuxRun* run)
 
 // ---- the run ------------------------------------------------------------------------------------------------------
 
-// The file is made when there is something for it: a run that fails at its first bytes leaves an earlier one alone.
-static void openOutput(MuxOutput* output)
-{
-    if (output->made) return;
-    output->out.open(output->path, std::ios::binary | std::ios::trunc);
-    output->made = output->out.is_open();
-}
-
 static uint64_t onSectors(uint64_t user, const uint8_t* sectors, uint64_t bytes)
 {
-    MuxOutput* output = reinterpret_cast<MuxOutput*>(user);
-    if (output->given || output->refused) return 0;
-    openOutput(output);
-    output->out.write(reinterpret_cast<const char*>(sectors), std::streamsize(bytes));
-    output->refused = output->out.fail();
-    output->sectors += bytes / SECTOR_BYTES;
-    return output->refused ? CODE_WRITE_FAILED : 0;
+    MuxRun* run = reinterpret_cast<MuxRun*>(user);
+    if (run->output.given || run->output.refused) return 0;
+    const bool taken = run->scans ? scanBytes(&run->scan, sectors, bytes) : writeMovie(&run->output, sectors, bytes);
+    return taken ? 0 : CODE_WRITE_FAILED;
 }
 
 static void showProgress(MuxRun* run)
@@ -156,8 +122,9 @@ static int reportMisfit(const MuxRun& run, uint64_t code)
 static int reportStop(MuxRun* run, const fs::path& path, const StreamFault& fault)
 {
     platformPrintError(progressEnd(&run->display));
+    if (run->scan.fault) return reportFault(run->scan.fault.path, run->scan.fault.fault);
     if (fault.code == CODE_MUX_UNDERRUN || fault.code == CODE_MUX_OVERFLOW) return reportMisfit(*run, fault.code);
-    if (run->output.refused) return reportFault(run->output.path, { CODE_WRITE_FAILED, "the file can't be written" });
+    if (run->output.refused) return reportFault(run->output.path, movieFault());
     return reportFault(path, fault);
 }
 
@@ -192,18 +159,19 @@ static int multiplex(MuxContext* handle, MuxRun* run)
 
 static int endOutput(MuxRun* run)
 {
-    MuxOutput& output = run->output;
-    output.out.close();
-    if (!output.made) return reportFault(output.path, { 0, "the streams are too short for a movie" });
-    if (output.out.fail() || output.refused)
-        return reportFault(output.path, { CODE_WRITE_FAILED, "the file can't be written" });
+    const fs::path& path = run->output.path;
+    if (!run->output.made) return reportFault(path, { 0, "the streams are too short for a movie" });
+    if (run->scans) {
+        return endScan(&run->scan) ? EXIT_DONE : reportFault(run->scan.fault.path, run->scan.fault.fault);
+    }
+    if (StreamFault fault = closeMovie(&run->output)) return reportFault(path, fault);
     return EXIT_DONE;
 }
 
 static int runMultiplexer(MuxRun* run)
 {
     MuxContext* handle = nullptr;
-    if (uint64_t error = InitMuxer(&handle, onSectors, reinterpret_cast<uint64_t>(&run->output)))
+    if (uint64_t error = InitMuxer(&handle, onSectors, reinterpret_cast<uint64_t>(run)))
         return reportFault(run->output.path, { error, "the multiplexer can't begin" });
     const int failed = multiplex(handle, run);
     run->output.given = failed != EXIT_DONE;
@@ -236,6 +204,25 @@ static void printWarnings(const MuxRun& run)
     }
 }
 
+static void printSuccess(const MuxRun& run)
+{
+    printWarnings(run);
+    if (run.scans) printScanWarnings(run.scan);
+    if (run.options->quiet) return;
+    platformPrint("movie written to " + printablePath(run.output.path) + ", " +
+                  bytesText(run.output.sectors * SECTOR_BYTES) + "\n");
+    if (run.scans) platformPrint(scanSummary(run.scan));
+}
+
+static int prepareScan(MuxRun* run)
+{
+    run->scans = !run->options->scan.scanFile.empty();
+    run->scan.input = run->options->out;
+    run->scan.scanFile = run->options->scan.scanFile;
+    run->scan.movie = &run->output;
+    return readCellPlan(run->options->scan, &run->scan.watch.cells);
+}
+
 int runMux(const MuxOptions& options)
 {
     watchForInterrupt();
@@ -243,19 +230,13 @@ int runMux(const MuxOptions& options)
     MuxRun run = { .options = &options };
     run.output.path = options.out;
     run.display.mode = options.quiet ? PROGRESS_NONE : platformHasTerminal() ? PROGRESS_BAR : PROGRESS_LINES;
+    if (const int refused = prepareScan(&run)) return refused;
     if (const int failed = openSources(&run)) return failed;
     if (!options.quiet) printStreams(run);
     const int failed = runMultiplexer(&run);
-    if (failed) {
-        // Half a movie looks like a whole one.
-        std::error_code error;
-        run.output.out.close();
-        if (run.output.made) fs::remove(options.out, error);
-        return failed;
-    }
-    printWarnings(run);
-    if (!options.quiet)
-        platformPrint("movie written to " + printablePath(options.out) + ", " +
-                      bytesText(run.output.sectors * SECTOR_BYTES) + "\n");
-    return EXIT_DONE;
+    if (failed)
+        dropScan(&run.scan);
+    else
+        printSuccess(run);
+    return failed;
 }

@@ -1,12 +1,15 @@
 // mux.h: the command `mux`: elementary streams become one program stream.
 #pragma once
 
+#include "stream_scan.h"
+
 #include <filesystem>
 #include <vector>
 
 struct MuxOptions {
-    std::filesystem::path out, video, scanFile;   // scanFile may be empty
+    std::filesystem::path out, video;
     std::vector<std::filesystem::path> sounds;
+    ScanOptions scan;
     bool pal = false, ntsc = false;   // at most one
     bool quiet = false;
 };

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 // Arguments of an authoring run as the library takes them: absolute project, separators behind the folders.
 struct RunRequest {
@@ -24,6 +25,21 @@ uint64_t platformPreview(const std::filesystem::path& project, OrvMenuPreviewCal
 /** Registers a stream that the multiplexer reads from a file by itself. */
 uint64_t platformAddFileStream(MuxContext* handle, const std::filesystem::path& path, uint64_t flags,
                                MuxStream** stream);
+
+/** Whether the library opens just this file for this name: what it is to write goes nowhere else then. */
+bool platformLibraryTakes(const std::filesystem::path& path);
+
+/** Begins a scan, with cells of an interval in ticks, or by a list if that is 0. */
+uint64_t platformBeginScan(const std::filesystem::path& scanFile, uint64_t interval, const std::vector<uint64_t>& cells,
+                           OrvUnit output, uint64_t user, NppScan** out);
+
+/** Renumbers the cell of a navigation pack. project is absolute. */
+uint64_t platformSetChapter(uint8_t* sector, const std::filesystem::path& project, uint64_t titleSet,
+                            uint64_t* nextVobu, uint64_t* changed);
+
+/** Brings a disc's tables into line. project is absolute; previous has a separator behind it, or is empty. */
+uint64_t platformCheckStructure(const std::filesystem::path& project, const std::filesystem::path& disc,
+                                const std::filesystem::path& previous);
 
 /** Text of a result in UTF-8; empty if it has none. */
 std::string platformResultText(uint64_t code);

@@ -18,6 +18,18 @@ int refuse(const std::string& sentence)
     return EXIT_USAGE;
 }
 
+int reportFault(const fs::path& path, const StreamFault& fault)
+{
+    const std::string name = printablePath(path);
+    if (fault.code) {
+        platformPrintError("error: " + resultLine(fault.code, platformResultText(fault.code)) + "\n  " + name + ": " +
+                           fault.why + "\n" + moreLine(fault.code));
+    } else {
+        platformPrintError("error: " + name + ": " + fault.why + "\n");
+    }
+    return EXIT_RUN_FAILED;
+}
+
 int checkProject(const fs::path& project)
 {
     std::error_code error;

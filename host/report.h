@@ -2,6 +2,7 @@
 // to say when it fails.
 #pragma once
 
+#include "elementary.h"
 #include "project_fault.h"
 
 #include <filesystem>
@@ -11,6 +12,9 @@
 
 /** Says why the program was called wrongly. @return EXIT_USAGE */
 int refuse(const std::string& sentence);
+
+/** Says what is wrong with a file. @return EXIT_RUN_FAILED */
+int reportFault(const std::filesystem::path& path, const StreamFault& fault);
 
 /** @return EXIT_DONE, or EXIT_USAGE if the file can't be one; then it has said why */
 int checkProject(const std::filesystem::path& project);

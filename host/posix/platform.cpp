@@ -33,6 +33,33 @@ uint64_t platformPreview(const std::filesystem::path& project, OrvMenuPreviewCal
     return PreviewMenus(project.c_str(), preview, user, log.empty() ? nullptr : log.c_str());
 }
 
+bool platformLibraryTakes(const std::filesystem::path& path)
+{
+    // It takes text alone, and a backslash as a separator.
+    const std::string name = path.string();
+    return utf8Of(wideOf(name)) == name && name.find('\\') == name.npos;
+}
+
+uint64_t platformBeginScan(const std::filesystem::path& scanFile, uint64_t interval, const std::vector<uint64_t>& cells,
+                           OrvUnit output, uint64_t user, NppScan** out)
+{
+    const uint64_t mode = interval ? uint64_t(ORV_NPP_CELLS_BY_INTERVAL) : ORV_NPP_CELLS_BY_LIST;
+    const NppScanDesc desc = { {}, scanFile.c_str(), mode, interval, cells.data(), cells.size() };
+    return nppBeginStreamScan(&desc, output, user, out);
+}
+
+uint64_t platformSetChapter(uint8_t* sector, const std::filesystem::path& project, uint64_t titleSet,
+                            uint64_t* nextVobu, uint64_t* changed)
+{
+    return SetRawChapter(sector, project.c_str(), titleSet, nextVobu, changed);
+}
+
+uint64_t platformCheckStructure(const std::filesystem::path& project, const std::filesystem::path& disc,
+                                const std::filesystem::path& previous)
+{
+    return CheckDVDStructure(project.c_str(), disc.c_str(), previous.c_str());
+}
+
 std::string platformResultText(uint64_t code)
 {
     char text[1024] = {};

@@ -35,6 +35,31 @@ uint64_t platformPreview(const std::filesystem::path& project, OrvMenuPreviewCal
     return PreviewMenusW(project.c_str(), preview, user, log.empty() ? nullptr : log.c_str());
 }
 
+bool platformLibraryTakes(const std::filesystem::path&)
+{
+    return true;
+}
+
+uint64_t platformBeginScan(const std::filesystem::path& scanFile, uint64_t interval, const std::vector<uint64_t>& cells,
+                           OrvUnit output, uint64_t user, NppScan** out)
+{
+    const uint64_t mode = interval ? uint64_t(ORV_NPP_CELLS_BY_INTERVAL) : ORV_NPP_CELLS_BY_LIST;
+    const NppScanDescW desc = { {}, scanFile.c_str(), mode, interval, cells.data(), cells.size() };
+    return nppBeginStreamScanW(&desc, output, user, out);
+}
+
+uint64_t platformSetChapter(uint8_t* sector, const std::filesystem::path& project, uint64_t titleSet,
+                            uint64_t* nextVobu, uint64_t* changed)
+{
+    return SetRawChapterW(sector, project.c_str(), titleSet, nextVobu, changed);
+}
+
+uint64_t platformCheckStructure(const std::filesystem::path& project, const std::filesystem::path& disc,
+                                const std::filesystem::path& previous)
+{
+    return CheckDVDStructureW(project.c_str(), disc.c_str(), previous.c_str());
+}
+
 std::string platformResultText(uint64_t code)
 {
     wchar_t text[1024] = {};
