@@ -134,7 +134,10 @@ std::vector<uint8_t> bytesOf(const fs::path& file)
 {
     std::ifstream in(file, std::ios::binary);
     EXPECT_TRUE(in.good()) << file;
-    return std::vector<uint8_t>((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    std::vector<uint8_t> bytes(fs::exists(file) ? fs::file_size(file) : 0);
+    in.read(reinterpret_cast<char*>(bytes.data()), std::streamsize(bytes.size()));
+    EXPECT_EQ(in.gcount(), std::streamsize(bytes.size())) << file;
+    return bytes;
 }
 
 static std::string vobName(uint64_t titleSet, uint64_t part)
@@ -148,14 +151,14 @@ static std::string vobName(uint64_t titleSet, uint64_t part)
 static std::string placeSources(const fs::path& folder, Standard standard, const TitleSetPlan& plan, uint64_t titleSet)
 {
     const fs::path& source = plan.movie.empty() ? realMovie(standard, plan.pattern, plan.seconds) : plan.movie;
-    std::ifstream in(source, std::ios::binary);
-    const std::string movie((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    const std::vector<uint8_t> movie = bytesOf(source);
     std::string keys;
     uint64_t from = 0;
     for (uint64_t part = 0; part <= plan.cuts.size(); part++) {
         const uint64_t to = part < plan.cuts.size() ? plan.cuts[part] : movie.size();
         const fs::path file = folder / vobName(titleSet, part + 1);
-        std::ofstream(file, std::ios::binary).write(movie.data() + from, std::streamsize(to - from));
+        std::ofstream(file, std::ios::binary)
+            .write(reinterpret_cast<const char*>(movie.data() + from), std::streamsize(to - from));
         keys += "source" + (part ? std::to_string(part) : std::string()) + "=" + file.string() + "\n";
         from = to;
     }
