@@ -13,8 +13,7 @@
 
 constexpr uint64_t TITLE_VOBS = 9;
 
-// ---- a title set
-// -----------------------------------------------------------------------------------------------------
+// ---- a title set ---------------------------------------------------------------------------------------------------
 
 // What lies in the directory of a title set.
 struct TitleSetFiles {
@@ -25,17 +24,27 @@ struct TitleSetFiles {
     uint64_t ifoBytes;
     uint64_t menuBytes;
     uint64_t titleSectors;
-    uint64_t lastOpen;   // result of opening the ninth title VOB
+    uint64_t lastOpen;   // result of opening the last VOB, in the end the ninth title VOB
 };
 
-static uint64_t openNumbered(const char16_t* format, const char16_t* directory, uint64_t number, uint64_t part,
-                             uint64_t mode, OSFILE* file)
+static uint64_t openIfo(TitleSetFiles* files, uint64_t mode)
 {
     char16_t* path = nullptr;
-    if (uint64_t error = osFormPath(&path, format, directory, number, part)) return error;
-    const uint64_t result = osOpenFile(path, mode, file);
+    if (uint64_t error = osFormPath(&path, u"%sVTS_%.2d_0.IFO", files->directory, files->number)) return error;
+    const uint64_t result = osOpenFile(path, mode, &files->ifo);
     (void)osStrFree(&path);
     return result;
+}
+
+/** Opens a VOB that may be missing: *opened gets the result of the open. Fails only where there is no memory for its
+ *  name. */
+static uint64_t openVob(const TitleSetFiles* files, uint64_t part, OSFILE* vob, uint64_t* opened)
+{
+    char16_t* path = nullptr;
+    if (uint64_t error = osFormPath(&path, u"%sVTS_%.2d_%.1d.VOB", files->directory, files->number, part)) return error;
+    *opened = osOpenFile(path, OS_READ, vob);
+    (void)osStrFree(&path);
+    return 0;
 }
 
 /** Size of an open file; 0 for one that is not open. */
@@ -49,7 +58,7 @@ static uint64_t countTitleSectors(TitleSetFiles* files)
 {
     for (uint64_t part = 1; part <= TITLE_VOBS; part++) {
         OSFILE vob = 0;
-        files->lastOpen = openNumbered(u"%sVTS_%.2d_%.1d.VOB", files->directory, files->number, part, OS_READ, &vob);
+        if (uint64_t error = openVob(files, part, &vob, &files->lastOpen)) return error;
         uint64_t bytes = 0;
         const uint64_t result = sizeOf(vob, &bytes);
         (void)osCloseFile(&vob);
@@ -109,17 +118,15 @@ static uint64_t orvFixTitleSetIfo(const char16_t* discDirectory, uint64_t number
     files.number = number;
     *sectors = 0;
     if (!files.directory) return ORV_INVALID_ARGUMENT;
-    const uint64_t mode = skip ? OS_READ : OS_FIX;
-    if (uint64_t error = openNumbered(u"%sVTS_%.2d_0.IFO", files.directory, number, 0, mode, &files.ifo)) return error;
-    (void)openNumbered(u"%sVTS_%.2d_0.VOB", files.directory, number, 0, OS_READ, &files.menuVob);   // may be missing
-    const uint64_t result = fixOpenTitleSet(&files, skip, sectors);
+    if (uint64_t error = openIfo(&files, skip ? OS_READ : OS_FIX)) return error;
+    uint64_t result = openVob(&files, 0, &files.menuVob, &files.lastOpen);
+    if (!result) result = fixOpenTitleSet(&files, skip, sectors);
     (void)osCloseFile(&files.menuVob);
     (void)osCloseFile(&files.ifo);
     return result;
 }
 
-// ---- the manager
-// -----------------------------------------------------------------------------------------------------
+// ---- the manager ---------------------------------------------------------------------------------------------------
 
 // The manager's files and the two sectors of its IFO that are rewritten.
 struct ManagerFiles {
@@ -204,8 +211,10 @@ static uint64_t fixManager(ManagerFiles* files)
 
 static uint64_t checkDirectory(ManagerFiles* files)
 {
-    if (osFormPath(&files->ifoPath, u"%sVIDEO_TS.IFO", files->directory)) return ORV_VMG_IFO_NOT_OPENED;
-    if (osFormPath(&files->backupPath, u"%sVIDEO_TS.BUP", files->directory)) return ORV_VMG_IFO_NOT_OPENED;
+    uint64_t formed = osFormPath(&files->ifoPath, u"%sVIDEO_TS.IFO", files->directory);
+    if (!formed) formed = osFormPath(&files->backupPath, u"%sVIDEO_TS.BUP", files->directory);
+    // A directory whose files would have too long a name holds none.
+    if (formed) return formed == OS_INVALID_ARGUMENT ? ORV_VMG_IFO_NOT_OPENED : formed;
     if (osOpenFile(files->ifoPath, OS_FIX, &files->ifo)) return ORV_VMG_IFO_NOT_OPENED;
     (void)osOpenFile(files->backupPath, OS_READ, &files->backup);   // one that is missing counts as empty
     const uint64_t result = fixManager(files);
@@ -214,8 +223,7 @@ static uint64_t checkDirectory(ManagerFiles* files)
     return result;
 }
 
-// ---- the exported calls
-// ----------------------------------------------------------------------------------------------
+// ---- the exported calls --------------------------------------------------------------------------------------------
 
 static uint64_t checkStructure(const char16_t* projectPath, const char16_t* discPath, const char16_t* previousPath)
 {
