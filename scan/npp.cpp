@@ -41,8 +41,7 @@ struct NppScan {
     uint64_t cellStartFrame;
 };
 
-// ---- the navigation pack
-// ---------------------------------------------------------------------------------------------
+// ---- the navigation pack -------------------------------------------------------------------------------------------
 
 static bool isNavPack(const uint8_t* pack)
 {
@@ -110,8 +109,7 @@ static uint64_t treatNavPack(NppScan* scan, uint8_t* pack)
     return writeRecord(scan, pack, cell, standard);
 }
 
-// ---- search pointers
-// -------------------------------------------------------------------------------------------------
+// ---- search pointers -----------------------------------------------------------------------------------------------
 
 static uint8_t* heldVobu(const NppScan* scan, uint64_t number)
 {
@@ -164,7 +162,6 @@ static void linkVobu(NppScan* scan)
     uint64_t slot = 0;
     for (uint64_t number = scan->nextVobu; number-- > scan->firstHeld;) {
         uint8_t* vobu = heldVobu(scan, number);
-        if (!vobu) continue;   // it left before an older one, since start times fall
         sectors += sectorsOf(vobu);
         if (!sameCell(vobu, current)) break;
 
@@ -187,8 +184,7 @@ static void linkVobu(NppScan* scan)
     }
 }
 
-// ---- the collector
-// ---------------------------------------------------------------------------------------------------
+// ---- the collector -------------------------------------------------------------------------------------------------
 
 static uint64_t appendPending(NppScan* scan, const uint8_t* pack)
 {
@@ -223,8 +219,9 @@ static uint64_t releaseVobus(NppScan* scan, bool atEnd)
     scan->releaseOne = 1;
     for (uint64_t number = scan->firstHeld; number <= scan->nextVobu; number++) {
         uint8_t** slot = &scan->vobus[number % RING_SLOTS];
-        if (!*slot) continue;
-        if (!atEnd && (!scan->releaseOne || waits(scan, *slot))) continue;
+        if (!*slot) continue;   // the end of a stream without packs
+        // A unit that waits holds up those behind it, of other cells too: the stream leaves in order.
+        if (!atEnd && (!scan->releaseOne || waits(scan, *slot))) break;
         if (uint64_t error = scan->output(*slot, osMemSize(*slot), scan->user)) return error;
         scan->releaseOne = 0;
         (void)osFreeMem(slot);
@@ -261,8 +258,7 @@ static uint64_t takePack(NppScan* scan, const uint8_t* pack)
     return orvScanVobuDone(scan, pack, close, false);
 }
 
-// ---- the exported calls
-// ----------------------------------------------------------------------------------------------
+// ---- the exported calls --------------------------------------------------------------------------------------------
 
 static void releaseScan(NppScan** scan)
 {
