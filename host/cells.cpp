@@ -101,6 +101,7 @@ std::string parseCells(std::string_view text, std::vector<uint64_t>* starts, uin
 uint64_t cellOf(const CellPlan& plan, uint64_t time)
 {
     if (plan.interval) return time / plan.interval + 1;
+    if (plan.starts.empty()) return 1;
     const auto behind = std::upper_bound(plan.starts.begin(), plan.starts.end(), time);
     return uint64_t(behind - plan.starts.begin());
 }
@@ -117,5 +118,6 @@ std::vector<uint64_t> cellList(const CellPlan& plan)
     std::vector<uint64_t> list;
     if (plan.interval) return list;
     for (const uint64_t start : plan.starts) list.push_back(start ? start - 1 : 0);
+    if (list.empty()) list.push_back(0);
     return list;
 }

@@ -10,8 +10,8 @@ inline constexpr uint64_t MOST_CELLS = 255;   // that a title can have
 
 // Times are ticks of the 90 kHz clock.
 struct CellPlan {
-    uint64_t interval = 0;                  // length of all cells, or 0
-    std::vector<uint64_t> starts = { 0 };   // else the starts of the cells, rising, the first at 0
+    uint64_t interval = 0;               // length of all cells, or 0
+    std::vector<uint64_t> starts = {};   // else the starts of the cells, rising, the first at 0; none: one cell
 };
 
 /** Reads a time as people write it: seconds (90, 90.5) or [hours:]minutes:seconds (1:30, 0:01:30.5), rounded to ticks.

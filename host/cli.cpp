@@ -2,7 +2,9 @@
 #include "cli.h"
 
 #include "author.h"
+#include "chapters.h"
 #include "explain.h"
+#include "fix.h"
 #include "mux.h"
 #include "platform.h"
 #include "preview.h"
@@ -29,6 +31,8 @@ static const char FOOTER[] = R"(Examples:
       authors again; title sets with `skipvts=1` are taken from the earlier disc
   orven mux -o disc/VIDEO_TS/VTS_01_1.VOB --video film.m2v --audio film.ac3
       makes a movie of elementary streams
+  orven mux -o disc/VIDEO_TS/VTS_01_1.VOB --video film.m2v --scan-file film.scan --interval 600
+      the same with a cell every ten minutes; the project names `streamscanfile=film.scan`
   orven preview project.ini --out pictures
       shows the menus as PNG pictures, before a disc is made
   orven explain 1012
@@ -103,6 +107,27 @@ at 0 may be left out. A cell begins with the first unit that starts at its time 
 The whole stream is looked at before anything is written. OUT and the scan file are written
 over if they are there; IN is never changed.)";
 
+static const char CHAPTERS_FOOTER[] =
+    R"(A movie that is multiplexed already gets other cells: its navigation packs are renumbered in
+place. A VOB that goes on in further files is named with all of them, in their order:
+  orven chapters VTS_01_1.VOB VTS_01_2.VOB --project project.ini --title-set 1
+
+Section [VTS_1] of the project has `chapters`, and `chapter1` and on begin with the clock at
+which a cell begins, in ticks of 1/90000 second. The first cell has no key here: `chapters=1`
+and `chapter1=5400000` make two cells, of which the second begins after one minute.
+
+The whole movie is looked at before anything is written. Its tables are not changed: the
+project that authors them must have the same cells.)";
+
+static const char FIX_FOOTER[] =
+    R"(After a VOB was changed, or title sets were copied together, the tables of a disc hold
+wrong sizes. DISC is its VIDEO_TS folder, or the folder that holds that. The sector numbers
+of VIDEO_TS.IFO and of each VTS_nn_0.IFO are brought into line with the sizes of the files,
+and each IFO is copied over its backup.
+
+Of the project only `skipvts` is looked at, in sections [VTS_1] and on: a title set that is
+skipped lies in the folder of --previous, and counts only if it has a file VTS_nn_9.VOB there.)";
+
 static const char EXPLAIN_FOOTER[] = R"(CODE is the number of a message, 1012, or a whole result as a program gets it,
 0x840003F4 or 2214593524. Numbers below 1000 are those of the operating system.)";
 
@@ -113,8 +138,8 @@ static fs::path toPath(const std::string& utf8)
 
 struct CommandLine {
     std::string project, target, previous, log, out, code, video, scanFile, interval, cells, in;
-    std::vector<std::string> sounds;
-    uint32_t button = 0;
+    std::vector<std::string> sounds, vobs;
+    uint32_t button = 0, titleSet = 0;
     bool pal = false, ntsc = false, quiet = false;
 };
 
@@ -216,6 +241,42 @@ static int runMux(const CommandLine& line)
     return runMux(options);
 }
 
+static void addChapters(CLI::App* app, CommandLine* line)
+{
+    CLI::App* chapters = app->add_subcommand("chapters", "Renumber the cells of a movie")->group("Commands");
+    chapters->add_option("VOB", line->vobs, "The movie's files")->required()->type_name("");
+    chapters->add_option("-p,--project", line->project, "The project file, which has the chapters")
+        ->required()
+        ->type_name("FILE");
+    chapters->add_option("-n,--title-set", line->titleSet, "Its title set, 1 to 99")
+        ->required()
+        ->check(CLI::Range(1, 99).description(""))
+        ->type_name("N");
+    addQuiet(chapters, line);
+    chapters->footer(CHAPTERS_FOOTER);
+}
+
+static int runChapters(const CommandLine& line)
+{
+    ChaptersCommand command;
+    for (const std::string& vob : line.vobs) command.vobs.push_back(toPath(vob));
+    command.project = toPath(line.project);
+    command.titleSet = line.titleSet;
+    command.quiet = line.quiet;
+    return runChapters(command);
+}
+
+static void addFix(CLI::App* app, CommandLine* line)
+{
+    CLI::App* fix = app->add_subcommand("fix", "Bring a disc's tables into line with its files")->group("Commands");
+    fix->add_option("DISC", line->target, "The disc")->required()->type_name("");
+    fix->add_option("-p,--project", line->project, "The project file")->required()->type_name("FILE");
+    fix->add_option("--previous", line->previous, "Folder of an earlier run, for title sets that are skipped")
+        ->type_name("DIR");
+    addQuiet(fix, line);
+    fix->footer(FIX_FOOTER);
+}
+
 static void addExplain(CLI::App* app, CommandLine* line)
 {
     CLI::App* explain = app->add_subcommand("explain", "Tell what a result code means")->group("Commands");
@@ -240,6 +301,9 @@ static int runCommand(const CLI::App& app, const CommandLine& line)
 {
     if (app.got_subcommand("explain")) return runExplain(line.code);
     if (app.got_subcommand("mux")) return runMux(line);
+    if (app.got_subcommand("chapters")) return runChapters(line);
+    if (app.got_subcommand("fix"))
+        return runFix({ toPath(line.target), toPath(line.project), toPath(line.previous), line.quiet });
     if (app.got_subcommand("scan"))
         return runScan({ toPath(line.in), toPath(line.out), scanOptions(line), line.quiet });
     if (app.got_subcommand("preview")) {
@@ -261,6 +325,8 @@ int runCommandLine(const std::vector<std::string>& arguments)
     addAuthor(&app, &line);
     addMux(&app, &line);
     addScan(&app, &line);
+    addChapters(&app, &line);
+    addFix(&app, &line);
     addPreview(&app, &line);
     addExplain(&app, &line);
     if (arguments.empty()) {

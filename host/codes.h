@@ -30,13 +30,14 @@ inline constexpr uint64_t CODE_UNKNOWN_CHAR = libraryCode(1000), CODE_WRONG_CHAR
                           CODE_MENU_VOB = libraryCode(2019), CODE_OLD_IFO = libraryCode(2020),
                           CODE_MENU_MOVIE_ENDS = libraryCode(2022), CODE_MANAGER_READ = libraryCode(2025),
                           CODE_MANAGER_BACKUP = libraryCode(2026), CODE_TITLE_SET_READ = libraryCode(2027),
-                          CODE_MENU_ASSET = libraryCode(2031), CODE_NOT_8BIT = libraryCode(2033),
-                          CODE_NOT_32BIT = libraryCode(2034), CODE_EMPTY_BUTTON = libraryCode(2037),
-                          CODE_SOUND_LAYER = libraryCode(3001), CODE_SOUND_RATE = libraryCode(3002),
-                          CODE_LPCM_FORMAT = libraryCode(3006), CODE_MUX_UNDERRUN = libraryCode(3008),
-                          CODE_VIDEO_STANDARD = libraryCode(3010), CODE_MUX_OVERFLOW = libraryCode(3017),
+                          CODE_TITLE_SET_BACKUP = libraryCode(2028), CODE_MENU_ASSET = libraryCode(2031),
+                          CODE_NOT_8BIT = libraryCode(2033), CODE_NOT_32BIT = libraryCode(2034),
+                          CODE_EMPTY_BUTTON = libraryCode(2037), CODE_SOUND_LAYER = libraryCode(3001),
+                          CODE_SOUND_RATE = libraryCode(3002), CODE_LPCM_FORMAT = libraryCode(3006),
+                          CODE_MUX_UNDERRUN = libraryCode(3008), CODE_VIDEO_STANDARD = libraryCode(3010),
+                          CODE_MUX_OVERFLOW = libraryCode(3017), CODE_BAD_SECTOR = libraryCode(4015),
                           CODE_WRITE_FAILED = libraryCode(4019), CODE_READ_FAILED = libraryCode(4020),
-                          CODE_NO_PACK = libraryCode(9002);
+                          CODE_NO_NAV_PACK = libraryCode(9001), CODE_NO_PACK = libraryCode(9002);
 
 inline constexpr uint64_t CODE_INVALID_ARGUMENT = libraryCode(87), CODE_TITLE_SET_SKIPPED = libraryCode(1099);
 inline constexpr uint64_t CODE_BASE_ARGUMENT = 0x88010001, CODE_BASE_MEMORY = 0x88010002, CODE_SHORT_READ = 0x88010102;

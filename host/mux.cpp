@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 static constexpr size_t MOST_SOUNDS = 8;
 
 struct MuxRun {
-    const MuxOptions* options;
+    const MuxOptions* options = nullptr;
     std::vector<MuxSource> sources = {};
     MovieFile output = {};
     bool scans = false;   // what the multiplexer hands out goes through the scan
@@ -227,7 +227,8 @@ int runMux(const MuxOptions& options)
 {
     watchForInterrupt();
     if (const int refused = checkUsage(options)) return refused;
-    MuxRun run = { .options = &options };
+    MuxRun run = {};
+    run.options = &options;
     run.output.path = options.out;
     run.display.mode = options.quiet ? PROGRESS_NONE : platformHasTerminal() ? PROGRESS_BAR : PROGRESS_LINES;
     if (const int refused = prepareScan(&run)) return refused;

@@ -3,7 +3,7 @@
 
 // Offsets within a navigation pack, whose numbers have their high byte first.
 static constexpr uint64_t SYSTEM_HEADER_AT = 14, PCI_AT = 38, START_AT = 57, END_AT = 61, ELAPSED_AT = 69,
-                          DSI_AT = 1024, LAST_SECTOR_AT = 1039;
+                          DSI_AT = 1024, LAST_SECTOR_AT = 1039, CELL_AT = 1058;
 
 static constexpr uint32_t PACK_START = 0x000001BA, SYSTEM_HEADER_START = 0x000001BB;
 static constexpr uint32_t PCI_HEAD = 0x01BF03D4, DSI_HEAD = 0x01BF03FA;   // ends of the start code, and the length
@@ -29,7 +29,7 @@ bool isNavPack(const uint8_t* sector)
 NavFields navFields(const uint8_t* sector)
 {
     return { numberAt(sector, START_AT), numberAt(sector, END_AT), numberAt(sector, ELAPSED_AT),
-             numberAt(sector, LAST_SECTOR_AT) };
+             numberAt(sector, LAST_SECTOR_AT), sector[CELL_AT] };
 }
 
 bool isBlank(const NavFields& nav)

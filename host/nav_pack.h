@@ -13,6 +13,7 @@ struct NavFields {
     uint32_t
         elapsed;   // hours, minutes, seconds, frames, in decimal digits; a mark of the rate in the top bits of the last
     uint32_t lastSector;   // of the unit, counted from this pack
+    uint8_t cell;
 };
 
 bool isPack(const uint8_t* sector);

@@ -17,7 +17,7 @@
 namespace fs = std::filesystem;
 
 struct ScanRun {
-    const ScanCommand* command;
+    const ScanCommand* command = nullptr;
     MovieFile movie = {};
     StreamScan scan = {};
     ProgressDisplay display = {};
@@ -62,7 +62,10 @@ static int readStream(ScanRun* run, const char* name, const TakeBytes& take)
         }
         piece.resize(std::min(PIECE_SECTORS * SECTOR_BYTES, total - done));
         const bool got = bool(in.read(reinterpret_cast<char*>(piece.data()), std::streamsize(piece.size())));
-        if (!got) return reportFault(run->command->in, { CODE_READ_FAILED, "the file can't be read" });
+        if (!got) {
+            platformPrintError(progressEnd(&run->display));
+            return reportFault(run->command->in, { CODE_READ_FAILED, "the file can't be read" });
+        }
         if (!take(piece.data(), piece.size())) break;
         showProgress(run, name, done + piece.size(), total);
     }
@@ -124,7 +127,8 @@ int runScan(const ScanCommand& command)
 {
     watchForInterrupt();
     if (const int refused = checkUsage(command)) return refused;
-    ScanRun run = { .command = &command };
+    ScanRun run = {};
+    run.command = &command;
     run.movie.path = command.out;
     run.scan.input = command.in;
     run.scan.scanFile = command.scan.scanFile;

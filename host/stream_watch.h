@@ -6,8 +6,6 @@
 #include "elementary.h"
 #include "nav_pack.h"
 
-#include <deque>
-
 struct HeldUnit {
     uint32_t start;
     uint64_t cell;
@@ -22,7 +20,7 @@ struct StreamWatch {
     uint64_t unitSector = 0;
     NavFields nav = {};
     // Within.
-    std::deque<HeldUnit> held = {};   // units that the scan can't hand out yet
+    std::vector<HeldUnit> held = {};   // units that the scan can't hand out yet
     uint64_t otherRate = 0;           // units that count 25 frames a second and have 29.97
 };
 
