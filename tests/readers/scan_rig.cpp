@@ -12,12 +12,14 @@ namespace fs = std::filesystem;
 
 constexpr uint64_t SECTOR = 2048;
 
-/** PAL: groups of 15 and of 10 pictures, 80 seconds each by turns. NTSC: groups of 15. */
+/** NTSC: groups of 15 pictures. PAL: groups of 15 and of 10, 80 seconds each by turns; behind the first half minute
+   some are cut short, so that units lie apart by any number of pictures, just as far as a pointer asks and just
+   farther. */
 static std::string picture(Standard standard)
 {
     if (standard == NTSC) return "testsrc2=s=352x240:r=30000/1001 -frames:v 2250 -g 15";
-    return "testsrc2=s=352x288:r=25 -frames:v 7500 -g 15"
-           " -force_key_frames 'expr:eq(mod(n,10),0)*mod(floor(n/2000),2)'";
+    return "testsrc2=s=352x288:r=25 -frames:v 7500 -g 15 -force_key_frames"
+           " 'expr:eq(mod(n,10),0)*mod(floor(n/2000),2)+gte(n,800)*eq(mod(n,122),0)'";
 }
 
 const LongStream& longStream(Standard standard)
@@ -154,7 +156,7 @@ static void divideByList(Journey* journey, uint64_t longTicks)
     const size_t second = unitAt(units, longTicks), third = second + 25;
     ASSERT_LT(third + 2, units.size());
     journey->firsts = { 0, second, third, third + 1 };
-    constexpr uint64_t NOT_LOOKED_AT = 1;
+    constexpr uint64_t NOT_LOOKED_AT = UINT64_MAX;
     journey->rule.list = { NOT_LOOKED_AT, units[second - 1].start, units[third].start - 1, units[third].start };
 }
 
