@@ -21,7 +21,8 @@ ORV_BEGIN_DECLS
  *  @param changed         gets 1 if the sector changed, else 0; may be null
  *  @return 0, also for a title set without chapters, which leaves sector, nextVobu and changed as they were;
  *          0x840007E0 (2016) for 255 chapters or more; 0x84000FAF (4015) for a sector that is no pack; 0x84002329
- *          (9001) for one that is no navigation pack; 0x84000057 for a null sector or path; a number of the platform */
+ *          (9001) for one that is no navigation pack; 0x84000057 for a null sector or path; 0x88010002 if memory is
+ *          short; the platform's number where a narrow path can't be converted */
 ORV_API uint64_t SetRawChapter(uint8_t* sector, const char* projectPath, uint64_t titleSetNumber, uint64_t* nextVobu,
                                uint64_t* changed);
 ORV_API uint64_t SetRawChapterW(uint8_t* sector, const OrvWChar* projectPath, uint64_t titleSetNumber,
@@ -39,8 +40,9 @@ ORV_API uint64_t SetRawChapterW(uint8_t* sector, const OrvWChar* projectPath, ui
  *  @return 0; 0x840007D5 (2005) if VIDEO_TS.IFO can't be opened; 0x840007E9 (2025) if it can't be read or written;
  *          0x840007EA (2026) if its backup can't be written, as on Windows, where the backup is open meanwhile: all
  *          else is done then; 0x840007EB (2027) if a title set's IFO can't be read; 0x84000057 for a null argument;
- *          the platform's number for other failures of a title set. Title sets before a failing one are fixed, the
- *          manager is not */
+ *          0x88010001 if a skipped title set's path is longer than 1023 characters; 0x88010002 if memory is short; the
+ *          platform's number for other failures of a title set. Title sets before a failing one are fixed, the manager
+ *          is not */
 ORV_API uint64_t CheckDVDStructure(const char* projectPath, const char* discPath, const char* previousPath);
 ORV_API uint64_t CheckDVDStructureW(const OrvWChar* projectPath, const OrvWChar* discPath,
                                     const OrvWChar* previousPath);

@@ -70,7 +70,7 @@ TEST(StructureCheck, NarrowForm)
     EXPECT_EQ(empty.differences(empty.before), "");
 }
 
-// Everything is 4 bytes from the end of what it lies in, or just cut.
+// Sizes are added in bytes, then cut to sectors.
 TEST(StructureCheck, ManagerCountsItsIfoTwiceBesideTheBackup)
 {
     const struct {

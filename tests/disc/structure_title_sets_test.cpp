@@ -70,12 +70,13 @@ const TitleSetCase CASES[] = {
       { { "VTS_01_0.VOB", 6 * 2048 } },
       { "00 00 00 09", "00 00 00 01", "00 00 00 02", "00 00 00 08" },
       "00 00 00 0E" },
-    // 3000 + 2 x 3000 = 9000 bytes are 4 sectors, 3000 + 3000 = 6000 bytes are 2; cut one by one they would be 3 and 2.
+    // 3000 + 2 x 3900 = 10800 bytes are 5 sectors, 3000 + 3900 = 6900 bytes are 3; cut one by one they would be 3
+    // and 2.
     { "sizes of menu VOB and IFO are added, then cut",
-      3000,
+      3900,
       { { "VTS_01_0.VOB", 3000 } },
-      { "00 00 00 03", "00 00 00 00", "00 00 00 01", "00 00 00 02" },
-      "00 00 00 08" },
+      { "00 00 00 04", "00 00 00 00", "00 00 00 01", "00 00 00 03" },
+      "00 00 00 09" },
     // 1000 + 2 x 2600 = 6200 bytes: 3 sectors; 1000 + 2600 = 3600 bytes: 1 sector
     { "a menu VOB of less than a sector",
       2600,
