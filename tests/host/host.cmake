@@ -4,7 +4,7 @@ if(WIN32)
 else()
   set(process ${CMAKE_CURRENT_LIST_DIR}/posix/process.cpp ${CMAKE_CURRENT_LIST_DIR}/posix/agreement_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/mux_interrupt_test.cpp ${CMAKE_CURRENT_LIST_DIR}/posix/png_decode.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/posix/preview_files_test.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/posix/preview_files_test.cpp ${CMAKE_CURRENT_LIST_DIR}/posix/scan_files_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/terminal_test.cpp)
 endif()
 target_sources(host_tests PRIVATE ${process})
