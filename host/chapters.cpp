@@ -26,7 +26,7 @@ struct ChaptersRun {
     uint64_t packs = 0;
     std::vector<uint64_t> changed;   // sectors, as they are to be written
     uint64_t firstCell = 0, lastCell = 0;
-    bool goesOn = false;   // the last unit leads behind the end
+    bool goesOn = false;   // the last unit reaches behind the end
 };
 
 // ---- before the run -----------------------------------------------------------------------------------------------
@@ -128,7 +128,7 @@ static int stepOn(ChaptersRun* run, uint64_t from, uint64_t at, uint64_t* next)
     note(run, at, sector, changed != 0);
     if (nextVobu == ORV_LAST_VOBU) return findNavPack(run, at + 1, next);
     *next = at + nextVobu + 1;
-    if (*next < run->vobs.sectors) return EXIT_DONE;
+    if (*next <= run->vobs.sectors) return EXIT_DONE;   // authored movies have no mark at their end
     if (const int failed = findNavPack(run, at + 1, next)) return failed;
     run->goesOn = *next == run->vobs.sectors;
     if (run->goesOn) return EXIT_DONE;
@@ -206,7 +206,7 @@ static void printWarnings(const ChaptersRun& run)
                            "Leave out the chapter that begins with the movie\n");
     }
     if (run.goesOn) {
-        platformPrintError("warning: the last unit leads on behind the end of " + name +
+        platformPrintError("warning: the last unit goes on behind the end of " + name +
                            ": name the further files of the movie too, behind the first\n");
     }
 }

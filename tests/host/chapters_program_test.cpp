@@ -202,8 +202,22 @@ TEST(ChaptersProgram, MovieOfSeveralFiles)
 
     const ProcessResult alone = chapters(folder, { "1.vob" });
     EXPECT_EQ(alone.exitCode, 0);
-    EXPECT_EQ(alone.err, "warning: the last unit leads on behind the end of 1.vob: name the further files of the movie "
+    EXPECT_EQ(alone.err, "warning: the last unit goes on behind the end of 1.vob: name the further files of the movie "
                          "too, behind the first\n");
+}
+
+// An authoring run leaves no mark at the end of a movie: its last unit leads just there.
+TEST(ChaptersProgram, MovieWithoutAMarkAtItsEnd)
+{
+    const TempDir folder;
+    Bytes stream = scanStream(scanUnits(4));
+    patch(stream, 9 * 2048 + 65, "00 00 00 01");
+    writeFile(folder / u"m.vob", stream);
+    writeFile(folder / u"p.ini", std::string_view(PROJECT));
+    const ProcessResult result = chapters(folder);
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.out + result.err, "");
+    EXPECT_EQ(readFile(folder / u"m.vob")[9 * 2048 + CELL_AT], 3);
 }
 
 // ---- walks that lead astray ---------------------------------------------------------------------------------------

@@ -377,6 +377,42 @@ TEST(ScanProgram, CellsByInterval)
     EXPECT_EQ(readFile(folder / u"out.scan").size(), 8u + 4 * 96);
 }
 
+uint64_t big(const Bytes& bytes, uint64_t at, uint64_t width)
+{
+    uint64_t value = 0;
+    for (uint64_t i = 0; i < width; i++) value = value << 8 | bytes.at(at + i);
+    return value;
+}
+
+// A project that names the scan file takes its cells, and neither reads nor changes the movie.
+TEST(ScanProgram, CellsComeToTheDisc)
+{
+    const TempDir folder;
+    fs::create_directory(folder.root / "disc");
+    writeFile(folder / u"in.vob", scanStream(scanUnits(4)));
+    writeFile(folder / u"p.ini",
+              std::string_view("[COMMON]\nversion=1.0\n[VMG]\ntitlesets=1\n[VTS_1]\nsource=disc/VTS_01_1.VOB\n"
+                               "streamscanfile=film.scan\n"));
+    EXPECT_EQ(runOrven({ "scan", "-q", "in.vob", "-o", "disc/VTS_01_1.VOB", "--scan-file", "film.scan", "--interval",
+                         "0.53" },
+                       folder.root)
+                  .exitCode,
+              0);
+    const Bytes movie = readFile(folder / u"disc/VTS_01_1.VOB");
+    const ProcessResult result = runOrven({ "author", "-q", "p.ini", "-t", "disc" }, folder.root);
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_TRUE(readFile(folder / u"disc/VTS_01_1.VOB") == movie);
+
+    const Bytes ifo = readFile(folder / u"disc/VTS_01_0.IFO");
+    const uint64_t chains = big(ifo, 0xCC, 4) * 2048, chain = chains + big(ifo, chains + 12, 4);
+    EXPECT_EQ(toHex(ifo.data() + chain + 2, 2), "03 03");   // programs and cells
+    const uint64_t cells = chain + big(ifo, chain + 232, 2);
+    const char* const extents[] = { "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 02",
+                                    "00 00 00 03 00 00 00 00 00 00 00 03 00 00 00 05",
+                                    "00 00 00 06 00 00 00 00 00 00 00 09 00 00 00 0B" };
+    for (uint64_t i = 0; i < 3; i++) EXPECT_EQ(toHex(ifo.data() + cells + 24 * i + 8, 16), extents[i]) << i;
+}
+
 TEST(ScanProgram, PieceOfAPackIsLeftOut)
 {
     const TempDir folder;
