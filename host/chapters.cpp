@@ -203,7 +203,7 @@ static void printWarnings(const ChaptersRun& run)
     if (run.firstCell != 1) {
         platformPrintError("warning: the first unit is in cell " + std::to_string(run.firstCell) +
                            ", since a chapter lies at its clock or before it; the tables of a disc begin with cell 1. "
-                           "Leave out the chapter that begins with the movie\n");
+                           "Write `chapter1=4294967295`: authoring does not look at it\n");
     }
     if (run.goesOn) {
         platformPrintError("warning: the last unit goes on behind the end of " + name +

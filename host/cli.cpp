@@ -113,8 +113,9 @@ place. A VOB that goes on in further files is named with all of them, in their o
   orven chapters VTS_01_1.VOB VTS_01_2.VOB --project project.ini --title-set 1
 
 Section [VTS_1] of the project has `chapters`, and `chapter1` and on begin with the clock at
-which a cell begins, in ticks of 1/90000 second. The first cell has no key here: `chapters=1`
-and `chapter1=5400000` make two cells, of which the second begins after one minute.
+which a cell begins, in ticks of 1/90000 second. A new cell begins at each of them, so that
+`chapter1` must have a clock that no movie reaches: `chapter1=4294967295`. Authoring begins
+the first chapter with the movie whatever that key says, and one project serves both.
 
 The whole movie is looked at before anything is written. Its tables are not changed: the
 project that authors them must have the same cells.)";

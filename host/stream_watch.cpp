@@ -32,7 +32,8 @@ static StreamFault closeUnit(StreamWatch* watch)
     }
     watch->held.push_back({ watch->nav.start, watch->cell });
     const HeldUnit& oldest = watch->held.front();
-    if (oldest.cell != watch->cell || watch->nav.start - oldest.start > HELD_TICKS) watch->held.erase(watch->held.begin());
+    if (oldest.cell != watch->cell || watch->nav.start - oldest.start > HELD_TICKS)
+        watch->held.erase(watch->held.begin());
     return {};
 }
 

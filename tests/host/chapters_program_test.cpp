@@ -159,9 +159,33 @@ TEST(ChaptersProgram, ChapterAtTheStartIsTold)
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.err,
               "warning: the first unit is in cell 2, since a chapter lies at its clock or before it; the tables of a "
-              "disc begin with cell 1. Leave out the chapter that begins with the movie\n");
+              "disc begin with cell 1. Write `chapter1=4294967295`: authoring does not look at it\n");
     const Bytes movie = readFile(folder / u"m.vob");
     for (uint64_t unit = 0; unit < 4; unit++) EXPECT_EQ(movie[unit * 3 * 2048 + CELL_AT], unit < 2 ? 2 : 3) << unit;
+}
+
+// A first chapter at a clock that no movie reaches: the cells are those that authoring makes of the same project.
+TEST(ChaptersProgram, OneProjectServesAuthoringToo)
+{
+    const TempDir folder;
+    writeFile(folder / u"m.vob", makeMovie({ .vobus = vobus(20), .streams = { ac3Stream() } }).bytes);
+    writeFile(folder / u"p.ini",
+              std::string_view("[COMMON]\nversion=1.0\n[VMG]\ntitlesets=1\n[VTS_1]\nsource=m.vob\nchapters=3\n"
+                               "chapter1=4294967295\nchapter2=200000\nchapter3=600000\n"));
+    EXPECT_EQ(runOrven({ "author", "-q", "p.ini", "-t", "disc" }, folder.root).exitCode, 0);
+    const Bytes authored = readFile(folder / u"m.vob");
+    const ProcessResult result = chapters(folder, { "m.vob" }, {});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(result.out, "20 navigation packs looked at, 0 changed; cells 1 to 3\n");
+    EXPECT_TRUE(readFile(folder / u"m.vob") == authored);
+    // Units of 43200 ticks: those at 216000 and 604800 are the first to have reached 200000 and 600000.
+    uint64_t unit = 0;
+    for (uint64_t at = 0; at < authored.size(); at += PACK_BYTES) {
+        if (authored[at + 17] != 0xBB) continue;
+        EXPECT_EQ(authored[at + CELL_AT], unit < 5 ? 1 : unit < 14 ? 2 : 3) << unit;
+        unit++;
+    }
+    EXPECT_EQ(unit, 20u);
 }
 
 // Behind the end of a sequence the next navigation pack is looked for, also behind packs of no unit; packs in front of

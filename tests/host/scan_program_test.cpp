@@ -152,6 +152,20 @@ TEST(ScanProgram, OutputsAreNoOtherNamesOfTheInput)
     EXPECT_EQ(readFile(folder / u"out.vob").size(), 7u);
 }
 
+// Where capitals make no other name, that shows as soon as the first of the two is made.
+TEST(ScanProgram, OutputsThatDifferInCapitals)
+{
+    const TempDir folder;
+    writeFile(folder / u"in.vob", scanStream(scanUnits(3)));
+    const bool alike = fs::exists(folder.root / "IN.VOB");
+    const ProcessResult result =
+        runOrven({ "scan", "-q", "in.vob", "-o", "out.vob", "--scan-file", "OUT.VOB" }, folder.root);
+    EXPECT_EQ(result.exitCode, alike ? 1 : 0);
+    EXPECT_EQ(result.err, alike ? "error: OUT.VOB: the scan file is the output too\n" : "");
+    EXPECT_EQ(fs::exists(folder.root / "out.vob"), !alike);
+    EXPECT_EQ(fs::exists(folder.root / "OUT.VOB"), !alike);
+}
+
 TEST(ScanProgram, HelpTeaches)
 {
     const TempDir folder;
