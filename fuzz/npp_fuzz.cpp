@@ -73,7 +73,7 @@ static bool isFilled(uint64_t at)
 static uint64_t take(const uint8_t* data, uint64_t bytes, uint64_t user)
 {
     Host* const host = reinterpret_cast<Host*>(user);
-    if (host->units >= host->starts.size()) abort();
+    if (host->units >= host->starts.size() || host->units > host->refused) abort();   // none behind a refused one
     const uint64_t first = host->starts[host->units];
     const uint64_t end = host->units + 1 < host->starts.size() ? host->starts[host->units + 1] : host->packs.size();
     const uint64_t count = bytes / PACK_BYTES;
@@ -215,9 +215,11 @@ static void finish(NppScan* scan, Host& host, const std::u16string& path, uint64
         keptScans().push_back(scan);
         return;
     }
-    if (result == REFUSED) abort();
+    if (result == REFUSED || host.units > host.refused) abort();
     if (result) return;   // a part came out, whole units as far as it went
     if (host.packsOut != host.packs.size() || host.units != host.starts.size()) abort();
+    for (const Bytes& pack : host.packs)
+        if (memcmp(pack.data(), "\x00\x00\x01\xBA", 4)) abort();
     checkFile(path, host);
 }
 

@@ -260,6 +260,15 @@ TEST(NppSearch, StartsThatFall)
     expectSearch(host, 2, { NO_VIDEO, NO_19, NO, "80000002", "80000002 3FFFFFFF*18", "80000002" });
 }
 
+// A clock that wraps is one that falls: no distance is reckoned modulo 2^32.
+TEST(NppSearch, StartsThatWrap)
+{
+    ScanHost host;
+    ASSERT_NO_FATAL_FAILURE(scanDoubling(host, { 0xFFFFFFF0, 0x00000010 }));
+    expectSearch(host, 0, { "80000001", "80000001*19", "80000001", NO, NO_19, NO_VIDEO });
+    expectSearch(host, 1, { NO_VIDEO, NO_19, NO, "80000001", "80000001 3FFFFFFF*18", "80000001" });
+}
+
 // Starts above half of 32 bits are times like others.
 TEST(NppSearch, HighStarts)
 {

@@ -41,7 +41,8 @@ TEST(NppTimes, CountFromTheCellsFirstUnit)
     // A cell that comes again begins again.
     expectTimes(cellsEvery(1000), { { 0, "00 00 10 45", "00 00 00 40" },
                                     { 1000, "00 00 10 46", "00 00 00 40" },
-                                    { 0, "00 00 10 50", "00 00 00 40" } });
+                                    { 0, "00 00 10 50", "00 00 00 40" },
+                                    { 1, "00 00 10 52", "00 00 00 42" } });
 }
 
 // The first word counts, whatever the second says.
