@@ -83,7 +83,7 @@ ORV_API uint64_t pnpCreatePrepare(OrvUnit output, uint64_t user, uint64_t rate, 
  *  then gets the skeleton of a navigation pack and which goes out. From the second batch on that first pack is the one
  *  behind a navigation pack, and its content is lost: a host has to allow for it.
  *  @param size  2048
- *  @return 0; 0x84000BC9 (3017) if the batch would hold more than 1,260,000 bytes: nothing more can be taken then;
+ *  @return 0; 0x84000BC9 (3017) if the batch would hold more than 1,260,000 bytes; what is there stays;
  *          0x84000057 for a null argument; a number of the platform */
 ORV_API uint64_t pnpProvideData(PnpPrepare* prepare, const uint8_t* pack, uint64_t size);
 
