@@ -21,7 +21,7 @@ struct StreamWatch {
     NavFields nav = {};
     // Within.
     std::vector<HeldUnit> held = {};   // units that the scan can't hand out yet
-    uint64_t otherRate = 0;           // units that count 25 frames a second and have 29.97
+    uint64_t otherRate = 0;            // units that count 25 frames a second and have 29.97
 };
 
 /** Takes the next pack. Behind a fault nothing more can be taken. */
