@@ -45,13 +45,19 @@ uint64_t orvTimeToSeconds(DvdTimeCode time)
     return (fromBcd(time.bytes[0]) * 60 + fromBcd(time.bytes[1])) * 60 + fromBcd(time.bytes[2]);
 }
 
-uint64_t orvTimeToFrames(DvdTimeCode time)
+int64_t orvTimeStandard(DvdTimeCode time)
 {
     const uint8_t flag = time.bytes[3] & RATE_FLAG;
+    if (flag == RATE_30) return STANDARD_NTSC;
+    return flag == RATE_25 ? STANDARD_PAL : 0;
+}
+
+uint64_t orvTimeToFrames(DvdTimeCode time)
+{
+    const int64_t standard = orvTimeStandard(time);
+    if (standard == 0) return 0;
     const uint64_t frames = fromBcd(time.bytes[3] & uint8_t(~RATE_FLAG));
-    if (flag == RATE_30) return orvTimeToSeconds(time) * FRAMES_NTSC + frames;
-    if (flag == RATE_25) return orvTimeToSeconds(time) * FRAMES_PAL + frames;
-    return 0;
+    return orvTimeToSeconds(time) * (standard == STANDARD_PAL ? FRAMES_PAL : FRAMES_NTSC) + frames;
 }
 
 void orvPutTime(uint8_t* to, DvdTimeCode time)

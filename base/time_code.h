@@ -22,6 +22,8 @@ struct DvdTimeCode {
 
 /** Time code of a count of nominal frames. A standard that is neither PAL nor NTSC gives four zero bytes. */
 [[nodiscard]] DvdTimeCode orvFramesToTime(int64_t videoStandard, uint64_t frames);
+/** Standard of a time code by its rate flag; 0 if the flag names no rate. */
+[[nodiscard]] int64_t orvTimeStandard(DvdTimeCode time);
 /** Frames of a time code by its rate flag; 0 if the flag names no rate. */
 [[nodiscard]] uint64_t orvTimeToFrames(DvdTimeCode time);
 /** Whole seconds of a time code. */

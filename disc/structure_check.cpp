@@ -122,8 +122,8 @@ static uint64_t orvFixTitleSetIfo(const char16_t* discDirectory, uint64_t number
     uint64_t result = openVob(&files, 0, &files.menuVob, &files.lastOpen);
     if (!result) result = fixOpenTitleSet(&files, skip, sectors);
     (void)osCloseFile(&files.menuVob);
-    (void)osCloseFile(&files.ifo);
-    return result;
+    const uint64_t closed = osCloseFile(&files.ifo);   // what the system could not store shows here
+    return result ? result : closed;
 }
 
 // ---- the manager ---------------------------------------------------------------------------------------------------
@@ -217,9 +217,9 @@ static uint64_t checkDirectory(ManagerFiles* files)
     if (formed) return formed == OS_INVALID_ARGUMENT ? ORV_VMG_IFO_NOT_OPENED : formed;
     if (osOpenFile(files->ifoPath, OS_FIX, &files->ifo)) return ORV_VMG_IFO_NOT_OPENED;
     (void)osOpenFile(files->backupPath, OS_READ, &files->backup);   // one that is missing counts as empty
-    const uint64_t result = fixManager(files);
+    uint64_t result = fixManager(files);
     (void)osCloseFile(&files->backup);
-    (void)osCloseFile(&files->ifo);
+    if (osCloseFile(&files->ifo) && !result) result = ORV_VMG_IFO_NOT_READ;   // as a write
     return result;
 }
 

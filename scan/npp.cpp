@@ -67,8 +67,7 @@ static uint64_t cellAt(const NppScan* scan, uint64_t start)
 // other material is counted by 3600 ticks too. Test: NppTimes.RateFlagDecidesAlone
 static int64_t standardOf(DvdTimeCode time)
 {
-    constexpr uint8_t RATE_FLAG = 0xC0, RATE_25 = 0x40;
-    return (time.bytes[3] & RATE_FLAG) == RATE_25 ? STANDARD_PAL : STANDARD_NTSC;
+    return orvTimeStandard(time) == STANDARD_PAL ? STANDARD_PAL : STANDARD_NTSC;
 }
 
 /** Makes the pack's elapsed time count from the start of its cell. @return the pack's standard */
@@ -98,7 +97,7 @@ static uint64_t writeRecord(const NppScan* scan, const uint8_t* pack, uint64_t c
     record.pictureCount = (end - start) / orvFrameTicks(standard);
     record.vobId = orvGet(pack, DSI_VOBU_VOB_IDN);
     record.cellId = cell;
-    return osWriteFile(scan->scanFile, &record, sizeof(record));
+    return osWriteFile(scan->scanFile, &record, sizeof(record));   // both platforms are little-endian, as the file is
 }
 
 static uint64_t treatNavPack(NppScan* scan, uint8_t* pack)
@@ -173,8 +172,8 @@ static void linkVobu(NppScan* scan)
             orvPut(vobu, DSI_NEXT_VIDEO, pointer);
         }
         // Meant: a pointer back ends at the first unit that lies farther away than its distance; each nearer one is
-        // overwritten. Where start times fall, the difference is huge. Test:
-        // NppSearch.BackwardPointersEndBeyondTheirDistance
+        // overwritten. Where start times fall, the difference is huge.
+        // Test: NppSearch.BackwardPointersEndBeyondTheirDistance
         const uint64_t ticks = start - orvGet(vobu, PCI_VOBU_S_PTM);
         if (slot < SEARCH_DISTANCES) {
             orvPut32(backwardPointer(current, slot), pointer);
@@ -231,7 +230,7 @@ static uint64_t releaseVobus(NppScan* scan, bool atEnd)
 }
 
 /** Appends a pack to the unit being collected, or closes that unit first (close), or closes the last one (atEnd,
-   without a pack). A failure while a unit closes leaves it in its slot, where it blocks each further close. */
+    without a pack). A unit whose way out was refused stays in its slot, where it blocks each further close. */
 static uint64_t orvScanVobuDone(NppScan* scan, const uint8_t* pack, bool close, bool atEnd)
 {
     if (!close && !atEnd) return appendPending(scan, pack);
@@ -375,7 +374,9 @@ extern "C" uint64_t nppEndStreamScan(NppScan* scan)
 {
     if (!scan) return ORV_INVALID_ARGUMENT;
     if (uint64_t error = orvScanVobuDone(scan, nullptr, false, true)) return error;
-    const uint64_t result = completeFile(scan);
+    uint64_t result = completeFile(scan);
+    const uint64_t closed = osCloseFile(&scan->scanFile);   // what the system could not store shows here
+    if (!result) result = closed;
     releaseScan(&scan);
     return result;
 }

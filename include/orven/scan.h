@@ -23,8 +23,9 @@ typedef struct PnpPrepare PnpPrepare;
 /* What a scan is to do. It is copied, with the list; nothing of it has to outlive nppBeginStreamScan.
  *
  * By interval: a unit that starts at time t is in cell t / cellInterval + 1.
- * By list: it is in cell i, the smallest from 1 up with cellList[i] >= t, and in cell cellListCount if there is none.
- * So cellList[i] is the last tick of cell i, for i of 1 .. cellListCount - 1, and entry 0 is not looked at. */
+ * By list: it is in cell i, the smallest from 1 up with cellList[i] >= t, and in cell cellListCount if there is none;
+ * without a list in cell 1. So cellList[i] is the last tick of cell i, for i of 1 .. cellListCount - 1, and entry 0 is
+ * not looked at. */
 typedef struct NppScanDesc {
     uint32_t reserved[2];     /* not looked at */
     const char* path;         /* of the scan file, which is made anew */
@@ -45,10 +46,12 @@ typedef struct NppScanDescW {
 
 /** Begins a scan and makes its file.
  *  @param output  gets the stream, one whole video object unit a call, in order; whole packs. A value other than 0
- *                 stops the call that drives it, which returns it; the stream can't be continued then
+ *                 stops the call that drives it, which returns it; the stream can't be continued then, nor
+ *                 ended (nppEndStreamScan)
  *  @param out     gets the handle; null after a failure
- *  @return 0; 0x84000057 for a null argument or path, or an interval of 0; the platform's number if the scan file can't
- *          be made or written */
+ *  @return 0; 0x84000057 for a null argument or path, an interval of 0, or a list of 2^61 entries and more; 0x88010002
+ *          without memory for the path; the platform's number without other memory, or if the scan file can't be made
+ *          or written */
 ORV_API uint64_t nppBeginStreamScan(const NppScanDesc* desc, OrvUnit output, uint64_t user, NppScan** out);
 ORV_API uint64_t nppBeginStreamScanW(const NppScanDescW* desc, OrvUnit output, uint64_t user, NppScan** out);
 
@@ -60,11 +63,13 @@ ORV_API uint64_t nppBeginStreamScanW(const NppScanDescW* desc, OrvUnit output, u
 ORV_API uint64_t nppScanBuffer(NppScan* scan, const uint8_t* data, uint64_t size);
 
 /** Bytes of the stream that the scan holds, less 1: so all ones while it holds nothing, which stays so. A pack of which
- *  only a part is there does not count. A null bytes is no fault. */
+ *  only a part is there does not count. After a failure the unit that could not leave is in the sum once more. A null
+ *  bytes is no fault. @return 0; 0x84000057 if scan is null */
 ORV_API uint64_t nppGetBuffer(NppScan* scan, uint64_t* bytes);
 
 /** Hands out what is held, completes the scan file and releases the scan. A pack of which only a part is there is
- *  dropped. If handing out fails, the scan stays, with its file open.
+ *  dropped. If handing out fails, the scan stays, with its file open; after a refused unit, or with more than 1024
+ * units held, each further call gives 3017 and nothing can release it any more.
  *  @return 0; 0x84000057 if scan is null; the failures of nppScanBuffer; a number of the platform */
 ORV_API uint64_t nppEndStreamScan(NppScan* scan);
 
@@ -73,8 +78,7 @@ ORV_API uint64_t nppEndStreamScan(NppScan* scan);
  * display; its pictures; VOB number; cell number; five of 0. */
 
 /** Makes a sink.
- *  @param output  gets a batch: everything up to a navigation pack, that pack included; what it returns is not looked
- * at
+ *  @param output  gets a batch: everything up to a navigation pack, that pack included; its result is not looked at
  *  @param rate    of the time codes: 1 for 25 frames a second, 2 for 30
  *  @return 0; 0x84000057 for a null argument; a number of the platform */
 ORV_API uint64_t pnpCreatePrepare(OrvUnit output, uint64_t user, uint64_t rate, PnpPrepare** out);
