@@ -4,13 +4,16 @@
 #include "audio/audio_ifo_layout.h"
 #include "base/memory.h"
 #include "base/time_code.h"
+#include "video/pgc_layout.h"
 
 // Parts of a chain, behind its head.
-constexpr uint64_t PGC_COMMANDS_AT = MENU_PGC_HEAD_BYTES;
-constexpr uint64_t PGC_PROGRAM_MAP_AT = PGC_COMMANDS_AT + MENU_COMMANDS_BYTES;
-constexpr uint64_t PGC_PLAYBACK_AT = PGC_PROGRAM_MAP_AT + MENU_PROGRAM_MAP_BYTES;
-constexpr uint64_t PGC_POSITION_AT = PGC_PLAYBACK_AT + MENU_CELL_BYTES;
-constexpr uint64_t PGC_BYTES = PGC_POSITION_AT + MENU_POSITION_BYTES;
+constexpr uint64_t COMMANDS_BYTES = COMMANDS_HEADER_BYTES + 16;   // two commands
+constexpr uint64_t PROGRAM_MAP_BYTES = 2;                         // one program, and a byte that fills
+constexpr uint64_t COMMANDS_AT = PGC_BYTES;
+constexpr uint64_t PROGRAM_MAP_AT = COMMANDS_AT + COMMANDS_BYTES;
+constexpr uint64_t PLAYBACK_AT = PROGRAM_MAP_AT + PROGRAM_MAP_BYTES;
+constexpr uint64_t POSITION_AT = PLAYBACK_AT + CELL_PLAYBACK_BYTES;
+constexpr uint64_t MENU_PGC_BYTES = POSITION_AT + CELL_POSITION_BYTES;
 
 static DvdTimeCode playingTime(int64_t videoStandard, const VobuRecord* menuCells, uint64_t menuIndex)
 {
@@ -25,43 +28,42 @@ static DvdTimeCode playingTime(int64_t videoStandard, const VobuRecord* menuCell
 /** Two commands that do nothing, one before and one behind the menu. */
 static void putCommands(uint8_t* to)
 {
-    orvPut(to, MENU_PRE_COUNT, 1);
-    orvPut(to, MENU_POST_COUNT, 1);
-    orvPut(to, MENU_CELL_COUNT, 0);
-    orvPut(to, MENU_COMMANDS_LAST, MENU_COMMANDS_BYTES - 1);
+    orvPut(to, COMMANDS_PRE, 1);
+    orvPut(to, COMMANDS_POST, 1);
+    orvPut(to, COMMANDS_CELL, 0);
+    orvPut(to, COMMANDS_LAST_BYTE, COMMANDS_BYTES - 1);
 }
 
 static void putCell(uint8_t* pgc, const MenuDesc* menu, const VobuRecord* cell, DvdTimeCode time)
 {
     constexpr uint8_t CELL_TYPE = 2, STILL_FOR_EVER = 255;
-    uint8_t* playback = pgc + PGC_PLAYBACK_AT;
-    orvPut(playback, MENU_CELL_TYPE, CELL_TYPE);
-    orvPut(playback, MENU_CELL_STILL, menu->loopMode == LOOP_ALWAYS ? 0 : STILL_FOR_EVER);
-    orvPutTime(playback + MENU_CELL_TIME.at, time);
-    orvPut(playback, MENU_CELL_FIRST, cell->sector);
-    orvPut(playback, MENU_CELL_LAST_VOBU, cell->sector);
-    orvPut(playback, MENU_CELL_LAST, cell->lastSector);
-    orvPut(pgc + PGC_POSITION_AT, MENU_POSITION_VOB, cell->vobId);
-    orvPut(pgc + PGC_POSITION_AT, MENU_POSITION_CELL, cell->cellId);
+    uint8_t* playback = pgc + PLAYBACK_AT;
+    orvPut(playback, CELL_FLAGS, CELL_TYPE);
+    orvPut(playback, CELL_STILL_TIME, menu->loopMode == LOOP_ALWAYS ? 0 : STILL_FOR_EVER);
+    orvPutTime(playback + CELL_TIME.at, time);
+    orvPut(playback, CELL_FIRST_SECTOR, cell->sector);
+    orvPut(playback, CELL_LAST_VOBU, cell->sector);
+    orvPut(playback, CELL_LAST_SECTOR, cell->lastSector);
+    orvPut(pgc + POSITION_AT, POSITION_VOB_ID, cell->vobId);
+    orvPut(pgc + POSITION_AT, POSITION_CELL, cell->cellId);
 }
 
 uint64_t orvBuildAmgMenuPgc(const AudioDiscContext* context, uint64_t menuIndex, const VobuRecord* menuCells,
                             uint8_t** block)
 {
-    constexpr uint8_t STREAM_EXISTS = 0x80;
-    uint8_t pgc[PGC_BYTES] = {};
+    uint8_t pgc[MENU_PGC_BYTES] = {};
     const DvdTimeCode time = playingTime(context->head.videoStandard, menuCells, menuIndex);
-    orvPut(pgc, MENU_PGC_PROGRAMS, 1);
-    orvPut(pgc, MENU_PGC_CELLS, 1);
-    orvPutTime(pgc + MENU_PGC_TIME.at, time);
-    orvPut(pgc, MENU_PGC_SUBP, STREAM_EXISTS);
-    orvPutPalette(pgc + MENU_PGC_PALETTE.at, context->amgAttributes.colorTable);
-    orvPut(pgc, MENU_PGC_COMMANDS, PGC_COMMANDS_AT);
-    orvPut(pgc, MENU_PGC_PROGRAM_MAP, PGC_PROGRAM_MAP_AT);
-    orvPut(pgc, MENU_PGC_PLAYBACK, PGC_PLAYBACK_AT);
-    orvPut(pgc, MENU_PGC_POSITION, PGC_POSITION_AT);
-    putCommands(pgc + PGC_COMMANDS_AT);
-    pgc[PGC_PROGRAM_MAP_AT] = 1;   // the one program begins with cell 1
+    orvPut(pgc, PGC_PROGRAMS, 1);
+    orvPut(pgc, PGC_CELLS, 1);
+    orvPutTime(pgc + PGC_PLAYBACK_TIME.at, time);
+    pgc[PGC_SUBP_CONTROL.at] = CONTROL_STREAM_EXISTS;
+    orvPutPalette(pgc + PGC_PALETTE.at, context->amgAttributes.colorTable);
+    orvPut(pgc, PGC_COMMANDS, COMMANDS_AT);
+    orvPut(pgc, PGC_PROGRAM_MAP, PROGRAM_MAP_AT);
+    orvPut(pgc, PGC_CELL_PLAYBACK, PLAYBACK_AT);
+    orvPut(pgc, PGC_CELL_POSITION, POSITION_AT);
+    putCommands(pgc + COMMANDS_AT);
+    pgc[PROGRAM_MAP_AT] = 1;   // the one program begins with cell 1
     // Meant: the cell of menu i is the i-th unit of the VOB, whatever VOB that is of. Test: AmgMenus.RecordIForMenuI
     const VobuRecord none = {};
     const VobuRecord* cell = menuIndex < osListCount(menuCells) ? menuCells + menuIndex : &none;

@@ -105,7 +105,7 @@ inline constexpr DiscField AUDIO_TITLES_FIELDS[] = { AUDIO_TITLES_COUNT, AUDIO_T
                                                      AUDIO_TITLE_IN_SET, AUDIO_TITLE_START };
 inline constexpr uint64_t AUDIO_TITLES_BYTES = 18;
 
-// Head of the menu table and of its language unit; entries follow.
+// Head of the menu table and of its language unit; entries follow. The program chains have the layout of DVD-Video.
 inline constexpr DiscField MENUS_COUNT        = {  0,   2, "count"             };
 inline constexpr DiscField MENUS_LAST_BYTE    = {  4,   4, "last_byte"         };
 inline constexpr DiscField MENUS_FIELDS[] = { MENUS_COUNT, MENUS_LAST_BYTE };
@@ -115,38 +115,6 @@ inline constexpr DiscField MENU_EXISTS        = {  3,   1, "exists"            }
 inline constexpr DiscField MENU_PGC_TYPE      = {  0,   1, "pgc category"      };  // of the unit
 inline constexpr DiscField MENU_ENTRY_AT      = {  4,   4, "offset"            };  // bytes from the start of table or unit
 inline constexpr uint64_t MENU_ENTRY_BYTES = 8;
-
-// Program chain of a menu.
-inline constexpr DiscField MENU_PGC_PROGRAMS  = {  2,   1, "nr_of_programs"    };
-inline constexpr DiscField MENU_PGC_CELLS     = {  3,   1, "nr_of_cells"       };
-inline constexpr DiscField MENU_PGC_TIME      = {  4,   4, "playback_time"     };
-inline constexpr DiscField MENU_PGC_SUBP      = { 28,   1, "subp_control"      };  // 0x80: stream 0
-inline constexpr DiscField MENU_PGC_PALETTE   = {164,  64, "palette"           };  // 16 entries
-inline constexpr DiscField MENU_PGC_COMMANDS  = {228,   2, "command_tbl"       };  // bytes from the chain's start
-inline constexpr DiscField MENU_PGC_PROGRAM_MAP = {230, 2, "program_map"       };
-inline constexpr DiscField MENU_PGC_PLAYBACK  = {232,   2, "cell_playback"     };
-inline constexpr DiscField MENU_PGC_POSITION  = {234,   2, "cell_position"     };
-inline constexpr DiscField MENU_PGC_FIELDS[] = { MENU_PGC_PROGRAMS, MENU_PGC_CELLS,       MENU_PGC_TIME,
-                                                 MENU_PGC_SUBP,     MENU_PGC_PALETTE,     MENU_PGC_COMMANDS,
-                                                 MENU_PGC_PROGRAM_MAP, MENU_PGC_PLAYBACK, MENU_PGC_POSITION };
-inline constexpr uint64_t MENU_PGC_HEAD_BYTES = 236;
-inline constexpr DiscField MENU_PRE_COUNT     = {  0,   2, "nr_of_pre"         };  // of the commands
-inline constexpr DiscField MENU_POST_COUNT    = {  2,   2, "nr_of_post"        };
-inline constexpr DiscField MENU_CELL_COUNT    = {  4,   2, "nr_of_cell"        };
-inline constexpr DiscField MENU_COMMANDS_LAST = {  6,   2, "last_byte"         };
-inline constexpr uint64_t MENU_COMMANDS_BYTES = 24, MENU_PROGRAM_MAP_BYTES = 2;
-inline constexpr DiscField MENU_CELL_TYPE     = {  0,   1, "block"             };  // of the cell playback record
-inline constexpr DiscField MENU_CELL_STILL    = {  2,   1, "still_time"        };  // 255: for ever
-inline constexpr DiscField MENU_CELL_TIME     = {  4,   4, "playback_time"     };
-inline constexpr DiscField MENU_CELL_FIRST    = {  8,   4, "first_sector"      };
-inline constexpr DiscField MENU_CELL_LAST_VOBU = {16,   4, "last_vobu_start"   };
-inline constexpr DiscField MENU_CELL_LAST     = { 20,   4, "last_sector"       };
-inline constexpr DiscField MENU_CELL_FIELDS[] = { MENU_CELL_TYPE,  MENU_CELL_STILL,     MENU_CELL_TIME,
-                                                  MENU_CELL_FIRST, MENU_CELL_LAST_VOBU, MENU_CELL_LAST };
-inline constexpr uint64_t MENU_CELL_BYTES = 24;
-inline constexpr DiscField MENU_POSITION_VOB  = {  0,   2, "vob_id_nr"         };
-inline constexpr DiscField MENU_POSITION_CELL = {  3,   1, "cell_nr"           };
-inline constexpr uint64_t MENU_POSITION_BYTES = 4;
 
 // AUDIO_PP.IFO: the table for players of sound alone, eight times over.
 inline constexpr DiscField SAMG_IDENTIFIER    = {  0,  12, "samg_identifier"   };  // "DVDAUDIOSAPP"
@@ -200,8 +168,6 @@ static_assert(orvFieldsFit(STILL_FIELDS, STILL_BYTES));
 static_assert(orvFieldsFit(AMG_FIELDS, SECTOR_BYTES));
 static_assert(orvFieldsFit(AUDIO_TITLES_FIELDS, AUDIO_TITLES_BYTES));
 static_assert(orvFieldsFit(MENUS_FIELDS, MENUS_HEAD_BYTES));
-static_assert(orvFieldsFit(MENU_PGC_FIELDS, MENU_PGC_HEAD_BYTES));
-static_assert(orvFieldsFit(MENU_CELL_FIELDS, MENU_CELL_BYTES));
 static_assert(orvFieldsFit(SAMG_FIELDS, SAMG_HEAD_BYTES));
 static_assert(orvFieldsFit(SAMG_TRACK_FIELDS, SAMG_TRACK_BYTES));
 static_assert(orvFieldsFit(ASVS_FIELDS, ASVS_BYTES));
