@@ -1,6 +1,7 @@
 // cli.cpp: the command line of `orven`: its commands, options and help.
 #include "cli.h"
 
+#include "aob.h"
 #include "author.h"
 #include "explain.h"
 #include "mux.h"
@@ -86,6 +87,20 @@ OUT is written over if it is there. It is a movie that a project can name as `so
   orven mux -o disc/VIDEO_TS/VTS_01_1.VOB --video film.m2v --audio film.ac3
   orven author project.ini --target disc/VIDEO_TS)";
 
+static const char AOB_FOOTER[] =
+    R"(TRACK is a RIFF/WAVE file of one or two channels, or a mono file for each of 2, 4, 5 or 6
+channels, joined by + and without blanks: left, right, left surround, right surround,
+centre, low frequency. A mono file alone is written as stereo, with the same samples on
+both channels. Samples have 16 or 24 bits; their rate is 44100, 48000, 88200, 96000,
+176400 or 192000 Hz. The tracks of a title set are alike in channels, bits and rate, and
+hold at most 9.6 Mbit/s.
+
+DIR gets ATS_01_1.AOB and ATS_01.nfo, for title set 1, which are written over if they are
+there. A project then names the AOB; its lines are printed, or --project writes a whole
+one for title set 1:
+  orven aob --target disc/AUDIO_TS --project disc.ini song.wav waltz.wav
+  orven author disc.ini --target disc/AUDIO_TS)";
+
 static const char EXPLAIN_FOOTER[] = R"(CODE is the number of a message, 1012, or a whole result as a program gets it,
 0x840003F4 or 2214593524. Numbers below 1000 are those of the operating system.)";
 
@@ -96,8 +111,8 @@ static fs::path toPath(const std::string& utf8)
 
 struct CommandLine {
     std::string project, target, previous, log, out, code, video, scanFile;
-    std::vector<std::string> sounds;
-    uint32_t button = 0;
+    std::vector<std::string> sounds, tracks;
+    uint32_t button = 0, titleSet = 1;
     bool pal = false, ntsc = false, quiet = false;
 };
 
@@ -174,6 +189,21 @@ static int runMux(const CommandLine& line)
     return runMux(options);
 }
 
+static void addAob(CLI::App* app, CommandLine* line)
+{
+    CLI::App* aob = app->add_subcommand("aob", "Make the sound of a DVD-Audio title set")->group("Commands");
+    aob->add_option("TRACK", line->tracks, "The tracks, in their order")->required()->type_name("");
+    aob->add_option("-t,--target", line->target, "The disc's AUDIO_TS folder; made where it is missing")
+        ->required()
+        ->type_name("DIR");
+    aob->add_option("-n,--title-set", line->titleSet, "Number of the title set, 1 to 99; 1 without it")
+        ->check(CLI::Range(1, 99).description(""))
+        ->type_name("N");
+    aob->add_option("--project", line->project, "Write a project file, which must not be there yet")->type_name("FILE");
+    addQuiet(aob, line);
+    aob->footer(AOB_FOOTER);
+}
+
 static void addExplain(CLI::App* app, CommandLine* line)
 {
     CLI::App* explain = app->add_subcommand("explain", "Tell what a result code means")->group("Commands");
@@ -198,6 +228,9 @@ static int runCommand(const CLI::App& app, const CommandLine& line)
 {
     if (app.got_subcommand("explain")) return runExplain(line.code);
     if (app.got_subcommand("mux")) return runMux(line);
+    if (app.got_subcommand("aob")) {
+        return runAob({ toPath(line.target), toPath(line.project), line.titleSet, line.tracks, line.quiet });
+    }
     if (app.got_subcommand("preview")) {
         return runPreview({ toPath(line.project), toPath(line.out), toPath(line.log), line.button, line.quiet });
     }
@@ -216,6 +249,7 @@ int runCommandLine(const std::vector<std::string>& arguments)
     app.footer(FOOTER);
     addAuthor(&app, &line);
     addMux(&app, &line);
+    addAob(&app, &line);
     addPreview(&app, &line);
     addExplain(&app, &line);
     if (arguments.empty()) {

@@ -19,6 +19,12 @@ uint64_t platformAuthor(const RunRequest& request)
                         request.user, request.log.c_str());
 }
 
+uint64_t platformCreateAob(const AobRequest& request, AobMuxer** muxer)
+{
+    return aobCreateMuxer(request.folder.c_str(), request.titleSet, request.trackCount, request.tracks, request.samples,
+                          request.user, muxer);
+}
+
 uint64_t platformAddFileStream(MuxContext* handle, const std::filesystem::path& path, uint64_t flags,
                                MuxStream** stream)
 {

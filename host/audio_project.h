@@ -1,0 +1,22 @@
+// audio_project.h: projects of DVD-Audio: their text, and what there is to say of one before its run.
+#pragma once
+
+#include "project_file.h"
+#include "source_track.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+/** "ATS_01" */
+std::string audioTitleSetName(uint64_t number);
+
+/** The sections of a title set whose tracks lie in a finished AOB. */
+std::string audioTitleSetText(uint64_t number, const std::vector<SourceTrack>& tracks,
+                              const std::filesystem::path& aob);
+
+/** Whether the library takes a path from a project as it is. */
+bool isProjectPath(const std::filesystem::path& path);
+
+/** A whole project of title set 1, as bytes that the readers of both platforms take. */
+std::string audioProjectBytes(const std::vector<SourceTrack>& tracks, const std::filesystem::path& aob);
