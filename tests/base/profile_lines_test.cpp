@@ -82,7 +82,7 @@ TEST(ProfileLines, Sections)
 // More characters are blanks to Windows; and a section of no name is what stands before the first one.
 TEST(ProfileLines, WhereWindowsDiffers)
 {
-    for (const char* blank : { "\f", "\v", "\r", "\x1A" }) {
+    for (const char* blank : { "\f", "\v", "\r\r", "\x1A" }) {
         EXPECT_EQ(hasLines("[a]\n" + std::string(blank) + "\n", u"a"), !WINDOWS) << int(blank[0]);
     }
     EXPECT_EQ(hasLines("[a]\n\0\n"s, u"a"), !WINDOWS);
