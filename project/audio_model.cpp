@@ -17,14 +17,6 @@ void freeTitleSet(AudioTitleSetDesc** titleSet)
     osFreeMem(titleSet);
 }
 
-void freeStill(StillDesc** still)
-{
-    if (!*still) return;
-    osStrFree(&(*still)->subPicture);
-    osStrFree(&(*still)->background);
-    osFreeMem(still);
-}
-
 }   // namespace
 
 uint64_t orvCreateAudioContext(const char16_t* logFilePath, OrvProgress progress, uint64_t progressUser,
@@ -49,6 +41,14 @@ void orvFreeAudioContext(AudioDiscContext** context)
         osStrFree(&menu.background);
     }
     for (AudioTitleSetDesc*& titleSet : (*context)->audioTitleSets) freeTitleSet(&titleSet);
-    for (StillDesc*& still : (*context)->asvs.stills) freeStill(&still);
+    for (StillDesc*& still : (*context)->asvs.stills) orvFreeStill(&still);
     osFreeMem(context);
+}
+
+void orvFreeStill(StillDesc** still)
+{
+    if (!*still) return;
+    osStrFree(&(*still)->subPicture);
+    osStrFree(&(*still)->background);
+    osFreeMem(still);
 }

@@ -76,3 +76,5 @@ struct AudioDiscContext {
                                              AudioDiscContext** out);
 /** Frees a root and all that hangs from it; harmless on a null root. */
 void orvFreeAudioContext(AudioDiscContext** context);
+/** Frees one still and its paths; harmless on a null still. */
+void orvFreeStill(StillDesc** still);

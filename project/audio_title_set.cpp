@@ -66,13 +66,13 @@ bool endsInAob(const char16_t* path)
 /** The path of a finished AOB becomes that of the information file beside it. */
 uint64_t nameInfoFile(char16_t** path, uint64_t titleSetNumber)
 {
-    const uint64_t length = osStrLength(*path), separator = osLastSeparator(*path);
+    const NumberedName name = orvNumberedName(u"ATS_%.2d.nfo", titleSetNumber);
+    const uint64_t nameLength = osStrLength(name.text), separator = osLastSeparator(*path);
+    const uint64_t directory = separator == osStrLength(*path) ? 0 : separator + 1;   // without one, all is the name
     char16_t* infoPath = nullptr;
-    char16_t* directory = nullptr;
-    if (const uint64_t error = osStrAlloc(separator == length ? 0 : separator + 1, *path, &directory)) return error;
-    const uint64_t result = osFormPath(&infoPath, u"%sATS_%.2d.nfo", directory, titleSetNumber);
-    osStrFree(&directory);
-    if (result) return result;
+    if (const uint64_t error = osStrAlloc(directory + nameLength, nullptr, &infoPath)) return error;
+    std::copy_n(*path, directory, infoPath);
+    std::copy_n(name.text, nameLength, infoPath + directory);
     osStrFree(path);
     *path = infoPath;
     return 0;

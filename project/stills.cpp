@@ -75,9 +75,13 @@ uint64_t appendStill(const Section& section, StillDesc** slot)
 {
     StillDesc* still = nullptr;
     if (const uint64_t error = osAllocMem(sizeof(StillDesc), &still)) return error;
-    const uint64_t result = readStill(section, still);
-    *slot = still;   // the root frees it, read whole or not
-    return result;
+    const uint64_t error = readStill(section, still);
+    if (error) {
+        orvFreeStill(&still);
+        return error;
+    }
+    *slot = still;
+    return 0;
 }
 
 }   // namespace
