@@ -75,7 +75,7 @@ TEST(AmgIfo, WithMenusAndStillsWholeFile)
     disc.amgAttributes.mpegVersion = 1;
     disc.amgAttributes.aspectRatio = 3;
     disc.amgAttributes.colorTable[0] = 0x00807F10;
-    disc.amgAttributes.colorTable[15] = 0x005AF051;   // pure red: Y 81, Cr 240, Cb 90
+    disc.amgAttributes.colorTable[15] = 0x005BF051;   // pure red: Y 81, Cr 240, Cb 91
     const VobuBlock cells({ { .sector = 0, .lastSector = 4, .pictures = 1, .vob = 1, .cell = 1 },
                             { .sector = 5, .lastSector = 0x11, .pictures = 45, .vob = 2, .cell = 1 } });
     expectSameBytes(
@@ -100,7 +100,7 @@ TEST(AmgIfo, WithMenusAndStillsWholeFile)
                    { 6184, "00 00 01 01 00 00 00 D2" },
                    { 6184 + 28, "80" },
                    { 6184 + 164, "00 10 7F 80" },
-                   { 6184 + 224, "00 51 F0 5A 00 EC 01 04 01 06 01 1E" },
+                   { 6184 + 224, "00 51 F0 5B 00 EC 01 04 01 06 01 1E" },
                    { 6184 + 236, "00 01 00 01 00 00 00 17" },
                    { 6184 + 260, "01 00 02 00 FF 00 00 00 00 D2 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 04" },
                    { 6184 + 286, "00 01 00 01" },
@@ -108,7 +108,7 @@ TEST(AmgIfo, WithMenusAndStillsWholeFile)
                    { 6474, "00 00 01 01 00 00 01 D5" },
                    { 6474 + 28, "80" },
                    { 6474 + 164, "00 10 7F 80" },
-                   { 6474 + 224, "00 51 F0 5A 00 EC 01 04 01 06 01 1E" },
+                   { 6474 + 224, "00 51 F0 5B 00 EC 01 04 01 06 01 1E" },
                    { 6474 + 236, "00 01 00 01 00 00 00 17" },
                    { 6474 + 260, "01 00 02 00 FF 00 00 00 01 D5 00 00 00 05 00 00 00 00 00 00 00 05 00 00 00 11" },
                    { 6474 + 286, "00 02 00 01" },
