@@ -127,6 +127,19 @@ static Bytes padding(uint64_t length)
     return big(0x1BE, 4) + big(length, 2) + Bytes(length, 0xFF);
 }
 
+// A pack with its samples and what stands in the place of those that are missing.
+static Bytes closedPack(const Sizes& sizes, const Bytes& samples, bool ended,
+                        const std::function<Bytes(uint64_t length, uint64_t stuffing)>& headersOf)
+{
+    const Bytes full = headersOf(sizes.packetLength, 0);
+    const uint64_t gap = PACK_BYTES - samples.size() - full.size();
+    if (samples.empty()) return full + Bytes(gap);
+    if (!ended) return full + samples + (sizes.padding ? padding(sizes.padding) : Bytes());
+    if (gap < 8) return headersOf(sizes.packetLength, gap) + samples;
+    const uint64_t length = sizes.packetLength + (sizes.padding ? sizes.padding + 6 : 0) - gap;
+    return headersOf(length, 0) + samples + padding(gap - 6);
+}
+
 static TrackResult muxTrack(const ModelTrack& track, Clock& now, const Driver& driver, Bytes& aob)
 {
     TrackResult out;
@@ -154,22 +167,11 @@ static TrackResult muxTrack(const ModelTrack& track, Clock& now, const Driver& d
             }
             const uint64_t count = fill.samples.size();
             ended = fill.ended || count < sizes.payload;
-            Bytes pack = headers(first, now.clock, pts, sizes.packetLength, own, 0);
-            const uint64_t gap = PACK_BYTES - count - pack.size();
-            if (count == 0) {
-                pack += Bytes(gap);
-            } else if (!ended) {
-                pack += fill.samples;
-                if (sizes.padding) pack += padding(sizes.padding);
-            } else if (gap >= 8) {
-                const uint64_t length = sizes.packetLength + (sizes.padding ? sizes.padding + 6 : 0) - gap;
-                pack = headers(first, now.clock, pts, length, own, 0) + fill.samples + padding(gap - 6);
-            } else {
-                pack = headers(first, now.clock, pts, sizes.packetLength, own, gap) + fill.samples;
-            }
+            aob += closedPack(sizes, fill.samples, ended, [&](uint64_t length, uint64_t stuffing) {
+                return headers(first, now.clock, pts, length, own, stuffing);
+            });
             now.bytesMuxed += count;
             now.bufferFill += count;
-            aob += pack;
             packs++;
             if (const uint64_t failure = driver.packWritten ? driver.packWritten() : 0) {
                 out.result = failure;
