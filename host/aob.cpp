@@ -275,7 +275,7 @@ static void printWarnings(const AobRun& run)
     if (fileBytes(run.aob) > MOST_AOB_BYTES) {
         platformPrintError("warning: " + printablePath(run.aob) +
                            " is larger than 1 GiB, the most that players expect of one file of a disc; divide the "
-                           "tracks among several title sets\n");
+                           "tracks among several discs\n");
     }
 }
 
@@ -295,7 +295,7 @@ int runAob(const AobOptions& options)
 {
     watchForInterrupt();
     AobRun run = { .options = &options };
-    const std::string name = audioTitleSetName(options.titleSet);
+    const std::string name = utf8Of(audioTitleSetSection(options.titleSet));
     if (options.target.empty()) return refuse("the target has no name");
     run.folder = fs::absolute(options.target).make_preferred() / "";
     run.aob = run.folder / (name + "_1.AOB");

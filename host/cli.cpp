@@ -16,10 +16,11 @@ namespace fs = std::filesystem;
 
 static constexpr size_t TEXT_COLUMNS = 88;   // the help is as wide
 
-static const char DESCRIPTION[] = R"(orven writes the tables and the navigation data of a DVD-Video disc.
+static const char DESCRIPTION[] = R"(orven writes the tables and the navigation data of a DVD-Video or DVD-Audio disc.
 
 A project file, in INI form, describes the disc; finished movies lie where the disc is
-to be; `orven mux` makes them. The result is a VIDEO_TS folder that players read.
+to be; `orven mux` makes them. The result is a VIDEO_TS folder that players read; or an
+AUDIO_TS folder, of sound that `orven aob` makes.
 )";
 
 static const char FOOTER[] = R"(Examples:
@@ -29,6 +30,8 @@ static const char FOOTER[] = R"(Examples:
       authors again; title sets with `skipvts=1` are taken from the earlier disc
   orven mux -o disc/VIDEO_TS/VTS_01_1.VOB --video film.m2v --audio film.ac3
       makes a movie of elementary streams
+  orven aob --target disc/AUDIO_TS --project album.ini song.wav waltz.wav
+      makes the sound of a DVD-Audio disc, and a project for `orven author`
   orven preview project.ini --out pictures
       shows the menus as PNG pictures, before a disc is made
   orven explain 1012
@@ -56,7 +59,10 @@ A small project:
   chapters=2
   chapter2=5400000
 
-Chapters count ticks of 1/90000 second: chapter 2 begins after one minute.)";
+Chapters count ticks of 1/90000 second: chapter 2 begins after one minute.
+
+A project with a section [AMG] in the place of [VMG] is one of DVD-Audio. Its sound lies
+in the target folder too, the AUDIO_TS folder of the disc; `orven aob` makes both.)";
 
 static const char PREVIEW_FOOTER[] =
     R"(For each menu, here the second one of title set 1, DIR gets
@@ -137,7 +143,7 @@ static void addAuthor(CLI::App* app, CommandLine* line)
 {
     CLI::App* author = app->add_subcommand("author", "Author a disc from a project file")->group("Commands");
     addProject(author, line);
-    author->add_option("-t,--target", line->target, "The disc's VIDEO_TS folder; made where it is missing")
+    author->add_option("-t,--target", line->target, "The disc's VIDEO_TS or AUDIO_TS folder; made where it is missing")
         ->required()
         ->type_name("DIR");
     author->add_option("-p,--previous", line->previous, "Folder of an earlier run, for title sets that are skipped")

@@ -12,6 +12,7 @@ struct RunRequest {
     std::filesystem::path project, target, previous, log;   // previous may be empty
     OrvProgress progress;
     uint64_t user;
+    bool isAudio;
 };
 
 /** One authoring run. */

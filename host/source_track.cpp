@@ -223,13 +223,13 @@ TrackFault checkTitleSet(const std::vector<SourceTrack>& tracks, size_t* number)
         if (track.channels != first.channels || track.bits != first.bits || track.rate != first.rate) {
             return fault(path, 0,
                          "it has " + formatText(track) + ", and track 1 has " + formatText(first) +
-                             "; the tracks of a title set are alike in that. Put it into a title set of its own");
+                             "; the tracks of a title set are alike in that. Put it onto a disc of its own");
         }
         ticks += trackTicks(track);
         if (ticks >= MOST_TICKS) {
             return fault(path, 0,
                          "with it the title set lasts longer than 6 hours and 37 minutes, the most that it "
-                         "can; divide the tracks among several");
+                         "can; divide the tracks among several discs");
         }
     }
     return {};

@@ -15,6 +15,10 @@ static constexpr uint64_t USUAL_COLUMNS = 80;
 
 uint64_t platformAuthor(const RunRequest& request)
 {
+    if (request.isAudio) {
+        return ParseAudioDesc(request.project.c_str(), request.target.c_str(), nullptr, request.progress, request.user,
+                              request.log.c_str());
+    }
     return ParseDVDDesc(request.project.c_str(), request.target.c_str(), request.previous.c_str(), request.progress,
                         request.user, request.log.c_str());
 }

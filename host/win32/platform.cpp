@@ -19,6 +19,10 @@ static std::string toUtf8(const wchar_t* text)
 
 uint64_t platformAuthor(const RunRequest& request)
 {
+    if (request.isAudio) {
+        return ParseAudioDescW(request.project.c_str(), request.target.c_str(), nullptr, request.progress, request.user,
+                               request.log.c_str());
+    }
     return ParseDVDDescW(request.project.c_str(), request.target.c_str(), request.previous.c_str(), request.progress,
                          request.user, request.log.c_str());
 }

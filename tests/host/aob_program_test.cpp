@@ -255,13 +255,13 @@ TEST(AobProgram, FaultsOfFilesAreExplained)
           rawWave(honest({ .rate = 48000 })),
           { "a", "b" },
           "error: b: track 2: it has 2 channels, 16 bits, 48000 Hz, and track 1 has 2 channels, 16 bits, 44100 Hz; the "
-          "tracks of a title set are alike in that. Put it into a title set of its own\n" },
+          "tracks of a title set are alike in that. Put it onto a disc of its own\n" },
         { "tracks of different channels",
           mono,
           stereo,
           { "b", "a+a+a+a" },
           "error: a: track 2: it has 4 channels, 16 bits, 44100 Hz, and track 1 has 2 channels, 16 bits, 44100 Hz; the "
-          "tracks of a title set are alike in that. Put it into a title set of its own\n" },
+          "tracks of a title set are alike in that. Put it onto a disc of its own\n" },
         { "no samples",
           rawWave(honest({}, 0)),
           stereo,

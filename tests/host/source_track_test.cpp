@@ -161,7 +161,7 @@ TEST(SourceTrack, LongestTitleSet)
     EXPECT_TRUE(long8);
     EXPECT_EQ(number, 2u);
     EXPECT_EQ(long8.fault.why, "with it the title set lasts longer than 6 hours and 37 minutes, the most that it can; "
-                               "divide the tracks among several");
+                               "divide the tracks among several discs");
     tracks[1].samples--;
     EXPECT_FALSE(checkTitleSet(tracks, &number));   // 6.5 rounded up to 7, 2147483647
 }
