@@ -184,7 +184,14 @@ TEST(AudioAuthoring, NamesBeyondAscii)
     fs::create_directory(fs::path(folder));
     run.target = (fs::path(folder) / "").u16string();
     const AudioDisc disc = richDisc();
-    ASSERT_EQ(0u, run.author(audioProject(run, disc)));
+    // In a form that every system reads as it is: UTF-16 with its mark
+    Bytes project = { 0xFF, 0xFE };
+    for (const char16_t unit : toWide(audioProject(run, disc))) {
+        project.push_back(uint8_t(unit));
+        project.push_back(uint8_t(unit >> 8));
+    }
+    writeFile(run.project, project);
+    ASSERT_EQ(0u, run.author());
     for (const std::string& name : audioFiles(disc)) EXPECT_TRUE(run.has(name)) << name;
     expectSameBytes(audioTables(disc)["ATS_01_0.IFO"], run.get("ATS_01_0.IFO"), "ATS_01_0.IFO");
 }
