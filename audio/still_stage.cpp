@@ -5,6 +5,7 @@
 #include "audio/stages.h"
 #include "base/bytes.h"
 #include "base/result.h"
+#include "base/strings.h"
 #include "mux/asset_drivers.h"
 #include "project/audio_progress.h"
 
@@ -19,7 +20,7 @@ static uint64_t layStill(const StillRun* run, StillDesc* still, OSFILE vob, cons
 {
     OSFILE video = 0;
     if (osOpenFile(still->background, OS_READ, &video)) {
-        return orvNotOpened(run->context, ORV_MENU_VIDEO_NOT_OPENED, NOT_OPENED, still->background);
+        return orvLogged(run->context, ORV_MENU_VIDEO_NOT_OPENED, NOT_OPENED, still->background);
     }
     uint64_t bytes = 0;
     uint64_t result = osFileSize(vob, &bytes);
@@ -58,7 +59,7 @@ static uint64_t writeVob(StillRun* run, const char16_t* path)
 {
     OSFILE vob = 0;
     if (osOpenFile(path, OS_CREATE_READ, &vob)) {
-        return orvNotOpened(run->context, ORV_VOB_NOT_OPENED, NOT_OPENED, path);
+        return orvLogged(run->context, ORV_VOB_NOT_OPENED, NOT_OPENED, path);
     }
     uint64_t result = appendStills(run, vob);
     if (!result) result = osFileSize(vob, &run->vobBytes);
@@ -71,7 +72,7 @@ static uint64_t makeVob(StillRun* run, const char16_t* targetPath)
     if (run->context->asvs.stillCount == 0) return 0;
     char16_t* path = nullptr;
     uint64_t result = osFormPath(&path, u"%sAUDIO_SV.VOB", targetPath);
-    if (result == OS_INVALID_ARGUMENT) return orvNotOpened(run->context, ORV_VOB_NOT_OPENED, NOT_OPENED, targetPath);
+    if (result == OS_INVALID_ARGUMENT) return orvLogged(run->context, ORV_VOB_NOT_OPENED, NOT_OPENED, targetPath);
     if (!result) result = writeVob(run, path);
     (void)osStrFree(&path);
     return result;

@@ -6,6 +6,7 @@
 #include "audio/track_info.h"
 #include "audio/wave_track.h"
 #include "base/result.h"
+#include "base/strings.h"
 #include "project/audio_progress.h"
 
 // A title set on its way to the disc.
