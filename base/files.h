@@ -46,6 +46,8 @@ uint64_t osDeleteFile(const char16_t* path);
 [[nodiscard]] uint64_t osGetTempFile(const char16_t* prefix, char16_t** name);
 /** *path is a string object that the caller owns. */
 [[nodiscard]] uint64_t osGetCurrentDirectory(char16_t** path);
+/** Where files go of which nobody has said where: C:\ on Windows, elsewhere the current directory. */
+[[nodiscard]] uint64_t osGetDefaultDirectory(char16_t** path);
 /** Kind of the drive that holds a path. Windows: that of the path's drive letter, OS_DRIVE_UNKNOWN without one.
     Elsewhere OS_DRIVE_OPTICAL stands for a read-only file system, OS_DRIVE_FIXED for any other. */
 [[nodiscard]] uint64_t osGetDriveType(const char16_t* path, uint64_t* type);

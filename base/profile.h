@@ -29,6 +29,9 @@ uint64_t osProfileString(const OsProfile* profile, const char16_t* section, cons
     size - 2 if they do not all fit (the buffer then holds a cut list with two terminators) */
 uint64_t osProfileSectionNames(const OsProfile* profile, char16_t* buffer, uint64_t size);
 
+/** Whether the first section of a name has a line that is neither blank nor a comment, be it a key or not. */
+[[nodiscard]] bool osProfileHasLines(const OsProfile* profile, const char16_t* section);
+
 /** One integer value of the file at path, read afresh. A null out is OS_INVALID_ARGUMENT. */
 [[nodiscard]] uint64_t osGetIniInt(const char16_t* path, const char16_t* section, const char16_t* key, uint32_t absent,
                                    uint64_t* out);

@@ -14,6 +14,8 @@ inline constexpr uint64_t ORV_LIBRARY = 0x84000000;   // the library's codes: th
 inline constexpr uint64_t ORV_INVALID_ARGUMENT = ORV_LIBRARY + 87;           // a required pointer was null
 inline constexpr uint64_t ORV_NOT_A_PACK = ORV_LIBRARY + 9002;               // a stream is not one of packs
 inline constexpr uint64_t ORV_TOO_MANY_AUDIO_STREAMS = ORV_LIBRARY + 1035;   // `astreams` above 8
+inline constexpr uint64_t ORV_TOO_MANY_TRACKS = ORV_LIBRARY + 3100;          // of an audio title set
+inline constexpr uint64_t ORV_AOB_UNDERRUN = ORV_LIBRARY + 3102;             // the decoder wants more than it was given
 inline constexpr uint64_t ORV_TITLE_SET_SKIPPED = ORV_LIBRARY + 1099;        // `skipvts`; never leaves the library
 
 // A source or a menu VOB could not be written or read: the codes of "write failed" and "read failed".

@@ -75,8 +75,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     StreamPackRecord* packs = nullptr;
     if (osAllocMem(0, &units) || osAllocMem(0, &packs)) abort();
     char16_t* sources[MAX_SOURCES] = { vob.data() };
-    if (!orvGetMovieInfo(context, nullptr, sources, 0, &units, &packs, nullptr, 0, true)) {
-        (void)orvSetupMenu(context, 1, 1 + menu.hasLetterbox, &menu, 1, 1, vob.c_str(), units, packs);
+    if (!orvGetMovieInfo(&context->head, nullptr, sources, 0, &units, &packs, nullptr, 0, true)) {
+        (void)orvSetupMenu(&context->head, 1, 1 + menu.hasLetterbox, &menu, 1, 1, vob.c_str(), units, packs);
     }
     if (readFile(vob).size() != laid.size()) abort();
     osFreeMem(&units);

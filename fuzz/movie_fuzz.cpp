@@ -25,8 +25,8 @@ static void authorMenu(DiscContext* context, const std::u16string& path)
     if (osAllocMem(0, &units) || osAllocMem(0, &packs)) abort();
     std::u16string name = path;
     char16_t* sources[MAX_SOURCES] = { name.data() };
-    if (!orvGetMovieInfo(context, nullptr, sources, 0, &units, &packs, nullptr, 0, true)) {
-        (void)orvSetupMenu(context, 2, 2, menus, 2, 1, path.c_str(), units, packs);
+    if (!orvGetMovieInfo(&context->head, nullptr, sources, 0, &units, &packs, nullptr, 0, true)) {
+        (void)orvSetupMenu(&context->head, 2, 2, menus, 2, 1, path.c_str(), units, packs);
     }
     osFreeMem(&units);
     osFreeMem(&packs);

@@ -1,6 +1,7 @@
 // author.cpp: the command `author`: one authoring run, its progress, and what there is to say when it fails.
 #include "author.h"
 
+#include "audio_project.h"
 #include "cli.h"
 #include "codes.h"
 #include "interrupt.h"
@@ -23,6 +24,16 @@ static int checkUsage(const AuthorOptions& options)
         return refuse("there is no previous folder " + printablePath(options.previous));
     }
     return checkLog(options.log);
+}
+
+static int checkAudio(const AuthorOptions& options, const ProjectFile& project)
+{
+    if (!isAudioProject(project)) return EXIT_DONE;
+    if (!options.previous.empty()) return refuse("a DVD-Audio disc is authored as a whole, without a previous folder");
+    for (const std::string& warning : audioWarnings(project, options.target)) {
+        platformPrintError("warning: " + warning + "\n");
+    }
+    return EXIT_DONE;
 }
 
 // The library puts folders before file names as they stand.
@@ -62,25 +73,30 @@ static ProgressDisplay displayFor(const AuthorOptions& options, const ProjectFil
 {
     ProgressDisplay display;
     display.mode = options.quiet ? PROGRESS_NONE : platformHasTerminal() ? PROGRESS_BAR : PROGRESS_LINES;
-    display.titleSets = plannedTitleSets(project);
+    display.isAudio = isAudioProject(project);
+    display.titleSets = display.isAudio ? plannedAudioTitleSets(project) : plannedTitleSets(project);
     display.managerMenus = managerHasMenus(project);
     return display;
 }
 
-static int runWithLog(const AuthorOptions& options, const fs::path& log)
+static int runWithLog(const AuthorOptions& options, const ProjectFile& project, const fs::path& log)
 {
-    const ProjectFile project = readProject(options.project);
     ProgressDisplay display = displayFor(options, project);
     const RunRequest request = { fs::absolute(options.project),
                                  withSeparator(options.target),
                                  withSeparator(options.previous),
                                  log,
                                  onProgress,
-                                 reinterpret_cast<uint64_t>(&display) };
+                                 reinterpret_cast<uint64_t>(&display),
+                                 display.isAudio };
     const uint64_t before = logBytes(log);
     const uint64_t code = platformAuthor(request);
     platformPrintError(progressEnd(&display));
-    const RunOutcome outcome = { code, readLog(log, before), options.target, options.previous };
+    const RunOutcome outcome = { .code = code,
+                                 .log = readLog(log, before),
+                                 .target = options.target,
+                                 .previous = options.previous,
+                                 .isAudio = display.isAudio };
     if (code) return reportFailure(options, project, outcome);
     reportSuccess(options, outcome);
     return EXIT_DONE;
@@ -90,6 +106,8 @@ int runAuthor(const AuthorOptions& options)
 {
     watchForInterrupt();
     if (const int refused = checkUsage(options)) return refused;
+    const ProjectFile project = readProject(options.project);
+    if (const int refused = checkAudio(options, project)) return refused;
     if (const int failed = makeFolder(options.target)) return failed;
-    return withLog(options.log, [&](const fs::path& log) { return runWithLog(options, log); });
+    return withLog(options.log, [&](const fs::path& log) { return runWithLog(options, project, log); });
 }

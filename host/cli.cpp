@@ -1,6 +1,7 @@
 // cli.cpp: the command line of `orven`: its commands, options and help.
 #include "cli.h"
 
+#include "aob.h"
 #include "author.h"
 #include "chapters.h"
 #include "explain.h"
@@ -18,10 +19,11 @@ namespace fs = std::filesystem;
 
 static constexpr size_t TEXT_COLUMNS = 88;   // the help is as wide
 
-static const char DESCRIPTION[] = R"(orven writes the tables and the navigation data of a DVD-Video disc.
+static const char DESCRIPTION[] = R"(orven writes the tables and the navigation data of a DVD-Video or DVD-Audio disc.
 
 A project file, in INI form, describes the disc; finished movies lie where the disc is
-to be; `orven mux` makes them. The result is a VIDEO_TS folder that players read.
+to be; `orven mux` makes them. The result is a VIDEO_TS folder that players read; or an
+AUDIO_TS folder, of sound that `orven aob` makes.
 )";
 
 static const char FOOTER[] = R"(Examples:
@@ -33,6 +35,8 @@ static const char FOOTER[] = R"(Examples:
       makes a movie of elementary streams
   orven mux -o disc/VIDEO_TS/VTS_01_1.VOB --video film.m2v --scan-file film.scan --interval 600
       the same with a cell every ten minutes; the project names `streamscanfile=film.scan`
+  orven aob --target disc/AUDIO_TS --project album.ini song.wav waltz.wav
+      makes the sound of a DVD-Audio disc, and a project for `orven author`
   orven preview project.ini --out pictures
       shows the menus as PNG pictures, before a disc is made
   orven explain 1012
@@ -60,7 +64,10 @@ A small project:
   chapters=2
   chapter2=5400000
 
-Chapters count ticks of 1/90000 second: chapter 2 begins after one minute.)";
+Chapters count ticks of 1/90000 second: chapter 2 begins after one minute.
+
+A project with a section [AMG] in the place of [VMG] is one of DVD-Audio. Its sound lies
+in the target folder too, the AUDIO_TS folder of the disc; `orven aob` makes both.)";
 
 static const char PREVIEW_FOOTER[] =
     R"(For each menu, here the second one of title set 1, DIR gets
@@ -129,6 +136,20 @@ and each IFO is copied over its backup.
 Of the project only `skipvts` is looked at, in sections [VTS_1] and on: a title set that is
 skipped lies in the folder of --previous, and counts only if it has a file VTS_nn_9.VOB there.)";
 
+static const char AOB_FOOTER[] =
+    R"(TRACK is a RIFF/WAVE file of one or two channels, or a mono file for each of 2, 4, 5 or 6
+channels, joined by + and without blanks: left, right, left surround, right surround,
+centre, low frequency. A mono file alone is written as stereo, with the same samples on
+both channels. Samples have 16 or 24 bits; their rate is 44100, 48000, 88200, 96000,
+176400 or 192000 Hz. The tracks of a title set are alike in channels, bits and rate, and
+hold at most 9.6 Mbit/s.
+
+DIR gets ATS_01_1.AOB and ATS_01.nfo, for title set 1, which are written over if they are
+there. A project then names the AOB; its lines are printed, or --project writes a whole
+one for title set 1:
+  orven aob --target disc/AUDIO_TS --project disc.ini song.wav waltz.wav
+  orven author disc.ini --target disc/AUDIO_TS)";
+
 static const char EXPLAIN_FOOTER[] = R"(CODE is the number of a message, 1012, or a whole result as a program gets it,
 0x840003F4 or 2214593524. Numbers below 1000 are those of the operating system.)";
 
@@ -139,8 +160,8 @@ static fs::path toPath(const std::string& utf8)
 
 struct CommandLine {
     std::string project, target, previous, log, out, code, video, scanFile, interval, cells, in;
-    std::vector<std::string> sounds, vobs;
-    uint32_t button = 0, titleSet = 0;
+    std::vector<std::string> sounds, vobs, tracks;
+    uint32_t button = 0, titleSet = 1;
     bool pal = false, ntsc = false, quiet = false;
 };
 
@@ -165,7 +186,7 @@ static void addAuthor(CLI::App* app, CommandLine* line)
 {
     CLI::App* author = app->add_subcommand("author", "Author a disc from a project file")->group("Commands");
     addProject(author, line);
-    author->add_option("-t,--target", line->target, "The disc's VIDEO_TS folder; made where it is missing")
+    author->add_option("-t,--target", line->target, "The disc's VIDEO_TS or AUDIO_TS folder; made where it is missing")
         ->required()
         ->type_name("DIR");
     author->add_option("-p,--previous", line->previous, "Folder of an earlier run, for title sets that are skipped")
@@ -278,6 +299,21 @@ static void addFix(CLI::App* app, CommandLine* line)
     fix->footer(FIX_FOOTER);
 }
 
+static void addAob(CLI::App* app, CommandLine* line)
+{
+    CLI::App* aob = app->add_subcommand("aob", "Make the sound of a DVD-Audio title set")->group("Commands");
+    aob->add_option("TRACK", line->tracks, "The tracks, in their order")->required()->type_name("");
+    aob->add_option("-t,--target", line->target, "The disc's AUDIO_TS folder; made where it is missing")
+        ->required()
+        ->type_name("DIR");
+    aob->add_option("-n,--title-set", line->titleSet, "Number of the title set, 1 to 99; 1 without it")
+        ->check(CLI::Range(1, 99).description(""))
+        ->type_name("N");
+    aob->add_option("--project", line->project, "Write a project file, which must not be there yet")->type_name("FILE");
+    addQuiet(aob, line);
+    aob->footer(AOB_FOOTER);
+}
+
 static void addExplain(CLI::App* app, CommandLine* line)
 {
     CLI::App* explain = app->add_subcommand("explain", "Tell what a result code means")->group("Commands");
@@ -307,6 +343,9 @@ static int runCommand(const CLI::App& app, const CommandLine& line)
         return runFix({ toPath(line.target), toPath(line.project), toPath(line.previous), line.quiet });
     if (app.got_subcommand("scan"))
         return runScan({ toPath(line.in), toPath(line.out), scanOptions(line), line.quiet });
+    if (app.got_subcommand("aob")) {
+        return runAob({ toPath(line.target), toPath(line.project), line.titleSet, line.tracks, line.quiet });
+    }
     if (app.got_subcommand("preview")) {
         return runPreview({ toPath(line.project), toPath(line.out), toPath(line.log), line.button, line.quiet });
     }
@@ -328,6 +367,7 @@ int runCommandLine(const std::vector<std::string>& arguments)
     addScan(&app, &line);
     addChapters(&app, &line);
     addFix(&app, &line);
+    addAob(&app, &line);
     addPreview(&app, &line);
     addExplain(&app, &line);
     if (arguments.empty()) {

@@ -39,6 +39,19 @@ inline constexpr uint64_t CODE_UNKNOWN_CHAR = libraryCode(1000), CODE_WRONG_CHAR
                           CODE_WRITE_FAILED = libraryCode(4019), CODE_READ_FAILED = libraryCode(4020),
                           CODE_NO_NAV_PACK = libraryCode(9001), CODE_NO_PACK = libraryCode(9002);
 
+// Of DVD-Audio.
+inline constexpr uint64_t CODE_NOT_LPCM = libraryCode(3015), CODE_TOO_MANY_TRACKS = libraryCode(3100),
+                          CODE_AOB_UNDERRUN = libraryCode(3102), CODE_AUDIO_NO_VERSION = libraryCode(6002),
+                          CODE_AUDIO_VERSION = libraryCode(6003), CODE_AUDIO_MODE = libraryCode(6004),
+                          CODE_NO_AUDIO_TITLE_SETS = libraryCode(6005), CODE_AUDIO_TITLE_SETS = libraryCode(6006),
+                          CODE_SAMPLE_SIZE = libraryCode(6008), CODE_SAMPLE_RATE = libraryCode(6009),
+                          CODE_CHANNEL_COUNT = libraryCode(6010), CODE_AUDIO_FORMAT = libraryCode(6011),
+                          CODE_NO_PLAY_TIME = libraryCode(6012), CODE_20_BITS = libraryCode(6017),
+                          CODE_WRONG_WAVE = libraryCode(6019), CODE_NO_AOB = libraryCode(6020),
+                          CODE_AOB_NOT_WRITTEN = libraryCode(6021), CODE_ASSIGNMENT = libraryCode(6022),
+                          CODE_AUDIO_MENUS = libraryCode(6023), CODE_STILLS = libraryCode(6024),
+                          CODE_STILL_ATTRIBUTES = libraryCode(6025);
+
 inline constexpr uint64_t CODE_INVALID_ARGUMENT = libraryCode(87), CODE_TITLE_SET_SKIPPED = libraryCode(1099);
 inline constexpr uint64_t CODE_BASE_ARGUMENT = 0x88010001, CODE_BASE_MEMORY = 0x88010002, CODE_SHORT_READ = 0x88010102;
 inline constexpr uint64_t CODE_NOTHING_SCANNED = 0xFFFFFFFFFFFFFFFD;   // the one result of more than 32 bits, -3

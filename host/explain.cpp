@@ -51,6 +51,8 @@ std::string ownText(uint64_t code)
     case 0: return "success";
     case CODE_INVALID_ARGUMENT: return "a file has not the form that it should have, or an argument was invalid";
     case CODE_AUDIO_STREAMS: return "more than 8 audio streams";
+    case CODE_TOO_MANY_TRACKS: return "too many tracks";
+    case CODE_AOB_UNDERRUN: return "the decoder would run dry";
     case CODE_TITLE_SET_SKIPPED: return "a title set is skipped";
     case CODE_NO_PACK: return "a pack does not begin with the pack start code";
     case CODE_BASE_ARGUMENT: return "an argument was invalid";

@@ -61,6 +61,15 @@ std::string notWritableWhy(const fs::path& path)
     return std::fstream(path, inPlace) ? "" : "the file can't be opened for writing";
 }
 
+std::string notMpegWhy(const fs::path& path)
+{
+    if (std::string why = notReadableWhy(path); !why.empty()) return why;
+    char head[4] = {};
+    std::ifstream(path, std::ios::binary).read(head, sizeof head);
+    const std::string_view start(head, sizeof head), sequence("\0\0\1\xB3", 4), pack("\0\0\1\xBA", 4);
+    return start == sequence || start == pack ? "" : "the file begins neither with a sequence header nor with a pack";
+}
+
 uint64_t fileBytes(const fs::path& path)
 {
     std::error_code error;

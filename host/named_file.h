@@ -20,5 +20,8 @@ std::string notReadableWhy(const std::filesystem::path& path);
 /** Why a file that is there can't be written; empty also where there is none. */
 std::string notWritableWhy(const std::filesystem::path& path);
 
+/** Why a file is no background of a menu, or an empty text. */
+std::string notMpegWhy(const std::filesystem::path& path);
+
 uint64_t fileBytes(const std::filesystem::path& path);
 std::string bytesText(uint64_t bytes);   // "3 bytes"

@@ -13,6 +13,7 @@ struct RunRequest {
     std::filesystem::path project, target, previous, log;   // previous may be empty
     OrvProgress progress;
     uint64_t user;
+    bool isAudio;
 };
 
 /** One authoring run. */
@@ -21,6 +22,18 @@ uint64_t platformAuthor(const RunRequest& request);
 /** Hands out a project's menus. log may be empty. */
 uint64_t platformPreview(const std::filesystem::path& project, OrvMenuPreviewCall preview, uint64_t user,
                          const std::filesystem::path& log);
+
+// Arguments of aobCreateMuxer; the folder is absolute.
+struct AobRequest {
+    std::filesystem::path folder;
+    uint64_t titleSet, trackCount;
+    const AobTrackDesc* tracks;
+    OrvSamples samples;
+    uint64_t user;
+};
+
+/** Makes an AOB and its multiplexer. */
+uint64_t platformCreateAob(const AobRequest& request, AobMuxer** muxer);
 
 /** Registers a stream that the multiplexer reads from a file by itself. */
 uint64_t platformAddFileStream(MuxContext* handle, const std::filesystem::path& path, uint64_t flags,

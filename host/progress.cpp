@@ -14,9 +14,40 @@ enum Stage : uint32_t {
     MANAGER_BACKUP,
 };
 
+// Stages of DVD-Audio, as the library counts them.
+enum AudioStage : uint32_t {
+    AUDIO_SOUND = 1,
+    AUDIO_TABLES,
+    AUDIO_BACKUP,
+    STILLS,
+    STILL_TABLES,
+    STILL_BACKUP,
+    AUDIO_MANAGER_MENUS,
+    AUDIO_MANAGER_TABLES,
+    AUDIO_MANAGER_BACKUP,
+    SOUND_PLAYER_TABLE,
+};
+
+static std::string audioStageName(const ProgressDisplay& display, uint32_t kind)
+{
+    static const char* const work[] = { "",      "sound",  "tables", "backup",      "", "tables", "backup",
+                                        "menus", "tables", "backup", "player table" };
+    if (kind < AUDIO_SOUND || kind > SOUND_PLAYER_TABLE) return "";
+    if (kind == STILLS) return "stills";
+    if (kind > STILLS && kind <= STILL_BACKUP) return std::string("stills: ") + work[kind];
+    if (kind >= AUDIO_MANAGER_MENUS) {
+        const bool nothing = kind == AUDIO_MANAGER_MENUS && !display.managerMenus;
+        return nothing ? "" : std::string("disc manager: ") + work[kind];
+    }
+    const bool known = display.titleSetsDone < display.titleSets.size();
+    const std::string number = known ? " " + std::to_string(display.titleSets[display.titleSetsDone].number) : "";
+    return "title set" + number + ": " + work[kind];
+}
+
 std::string stageName(const ProgressDisplay& display, uint32_t kind)
 {
     static const char* const work[] = { "", "menus", "movie", "tables", "backup", "menus", "tables", "backup" };
+    if (display.isAudio) return audioStageName(display, kind);
     if (kind < TITLE_SET_MENUS || kind > MANAGER_BACKUP) return "";
     if (kind >= MANAGER_MENUS) {
         return kind == MANAGER_MENUS && !display.managerMenus ? "" : std::string("disc manager: ") + work[kind];
@@ -61,7 +92,7 @@ static std::string redraw(ProgressDisplay* display, const std::string& line)
 std::string progressStep(ProgressDisplay* display, uint32_t total, uint32_t done, uint32_t kind, uint64_t columns)
 {
     const std::string name = stageName(*display, kind);
-    if (kind == TITLE_SET_BACKUP) display->titleSetsDone++;
+    if (kind == (display->isAudio ? uint32_t(AUDIO_BACKUP) : TITLE_SET_BACKUP)) display->titleSetsDone++;
     if (display->mode == PROGRESS_NONE || name.empty()) return "";
     if (display->mode == PROGRESS_BAR) {
         // The last column stays free: a full line would wrap on some terminals.

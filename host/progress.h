@@ -13,6 +13,7 @@ struct ProgressDisplay {
     ProgressMode mode = PROGRESS_NONE;
     std::vector<PlannedTitleSet> titleSets;   // those that the run writes, in order
     bool managerMenus = false;
+    bool isAudio = false;   // a run of DVD-Audio, whose stages are others
     size_t titleSetsDone = 0;
     std::string shown;   // the line that stands on the terminal, or the stage of the last line
 };

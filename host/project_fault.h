@@ -20,6 +20,7 @@ struct RunOutcome {
     std::vector<std::u16string> log;   // halved texts of the entries of this run
     std::filesystem::path target, previous;
     bool menusOnly = false;   // a preview, which opens the menus' bitmaps and nothing else
+    bool isAudio = false;     // a run of DVD-Audio
 };
 
 /** Finds the first key, in the order of the run's reading, that the library refuses; or the first file named in the
@@ -32,9 +33,18 @@ bool findProjectFault(ProjectFile&&, const RunOutcome&, ProjectFault*) = delete;
 bool findRefusedKey(const ProjectFile& file, uint64_t* code, std::u16string* logText, ProjectFault* fault);
 bool findRefusedKey(ProjectFile&&, uint64_t*, std::u16string*, ProjectFault*) = delete;
 
+/** The same of a DVD-Audio project. The library reads such a project while it writes the disc, so that a run may end
+ *  before it comes to the key. */
+bool findRefusedAudioKey(const ProjectFile& file, uint64_t* code, std::u16string* logText, ProjectFault* fault);
+bool findRefusedAudioKey(ProjectFile&&, uint64_t*, std::u16string*, ProjectFault*) = delete;
+
 /** The other half: what is well written but can't be had, such as a file that is missing. */
 bool findUnfitFile(const ProjectFile& file, const RunOutcome& outcome, ProjectFault* fault);
 bool findUnfitFile(ProjectFile&&, const RunOutcome&, ProjectFault*) = delete;
+
+/** The same of a DVD-Audio project. */
+bool findUnfitAudioFile(const ProjectFile& file, const RunOutcome& outcome, ProjectFault* fault);
+bool findUnfitAudioFile(ProjectFile&&, const RunOutcome&, ProjectFault*) = delete;
 
 /** Of that the menus' share: their bitmaps, movies and VOBs. */
 bool findUnfitMenu(const ProjectFile& file, const RunOutcome& outcome, ProjectFault* fault);

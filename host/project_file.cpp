@@ -3,6 +3,7 @@
 
 #include "text.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 
@@ -114,6 +115,56 @@ std::u16string titleSetSection(const ProjectFile& file, uint64_t number)
     return !cut && findSection(file, padded) ? padded : plain;
 }
 
+bool isAudioProject(const ProjectFile& file)
+{
+    return findSection(file, u"AMG") && !findSection(file, u"VMG");
+}
+
+static std::u16string twoDigits(uint64_t number)
+{
+    return wideOf((number < 10 ? "0" : "") + std::to_string(number));
+}
+
+std::u16string audioTitleSetSection(uint64_t titleSet)
+{
+    return u"ATS_" + twoDigits(titleSet);
+}
+
+std::u16string trackSection(uint64_t titleSet, uint64_t track)
+{
+    return u"TRACK_" + twoDigits(titleSet) + u"_" + twoDigits(track);
+}
+
+std::u16string stillSection(uint64_t still)
+{
+    return u"ASV" + twoDigits(still);
+}
+
+uint64_t trackChannels(const ProjectFile& file, std::u16string_view section)
+{
+    // Of both groups together, by the channel assignments of DVD-Audio.
+    static constexpr uint8_t assigned[] = { 1, 2, 3, 4, 3, 4, 5, 3, 4, 5, 4, 5, 6, 4, 5, 4, 5, 6, 5, 5, 6 };
+    if (const uint64_t assign = integerOf(findKey(file, section, u"assign"))) {
+        return assign < std::size(assigned) ? assigned[assign] : 0;
+    }
+    const uint64_t channels = integerOf(findKey(file, section, u"channels"));
+    return channels == 1 || channels == 2 || channels == 6 ? channels : 0;
+}
+
+bool namesAob(const ProjectKey& channel)
+{
+    // A value ends at its first TAB.
+    const std::u16string_view path = std::u16string_view(channel.value).substr(0, channel.value.find(u'\t'));
+    return path.size() >= 3 && sameName(path.substr(path.size() - 3), u"AOB");
+}
+
+bool isFinishedTitleSet(const ProjectFile& file, uint64_t titleSet)
+{
+    const uint64_t tracks = integerOf(findKey(file, audioTitleSetSection(titleSet), u"tracks"));
+    const ProjectKey* key = findKey(file, trackSection(titleSet, tracks), u"channel1");
+    return key && namesAob(*key);
+}
+
 std::vector<PlannedTitleSet> plannedTitleSets(const ProjectFile& file)
 {
     std::vector<PlannedTitleSet> planned;
@@ -129,9 +180,17 @@ std::vector<PlannedTitleSet> plannedTitleSets(const ProjectFile& file)
     return planned;
 }
 
+std::vector<PlannedTitleSet> plannedAudioTitleSets(const ProjectFile& file)
+{
+    std::vector<PlannedTitleSet> planned;
+    const uint64_t count = std::min(integerOf(findKey(file, u"AMG", u"titlesets")), MAX_TITLE_SETS);
+    for (uint64_t number = 1; number <= count; number++) planned.push_back({ number, false });
+    return planned;
+}
+
 bool managerHasMenus(const ProjectFile& file)
 {
-    return integerOf(findKey(file, u"VMG", u"menus")) != 0;
+    return integerOf(findKey(file, isAudioProject(file) ? u"AMG" : u"VMG", u"menus")) != 0;
 }
 
 std::vector<std::u16string> menuSections(const ProjectFile& file, uint64_t titleSet)

@@ -37,6 +37,22 @@ uint64_t integerOf(const ProjectKey* key);
 /** Section of title set n: "VTS_n", or "VTS_nn" where the file has that. */
 std::u16string titleSetSection(const ProjectFile& file, uint64_t number);
 
+/** Whether a project is one of DVD-Audio: it has a section AMG, and no VMG, which would make it one of DVD-Video. */
+bool isAudioProject(const ProjectFile& file);
+
+// Sections of DVD-Audio: "ATS_01", "TRACK_01_02", "ASV03".
+std::u16string audioTitleSetSection(uint64_t titleSet);
+std::u16string trackSection(uint64_t titleSet, uint64_t track);
+std::u16string stillSection(uint64_t still);
+
+/** Channels of a track by its `assign` or else its `channels`; 0 where neither is a right one. */
+uint64_t trackChannels(const ProjectFile& file, std::u16string_view section);
+
+/** Whether a track's `channel1` names the finished AOB of its title set. */
+bool namesAob(const ProjectKey& channel);
+/** Whether the AOB of a title set is finished, as its last track says for all. */
+bool isFinishedTitleSet(const ProjectFile& file, uint64_t titleSet);
+
 // What the progress display wants to know about the title sets that a run writes, in order.
 struct PlannedTitleSet {
     uint64_t number;
@@ -44,6 +60,7 @@ struct PlannedTitleSet {
 };
 
 std::vector<PlannedTitleSet> plannedTitleSets(const ProjectFile& file);
+std::vector<PlannedTitleSet> plannedAudioTitleSets(const ProjectFile& file);
 bool managerHasMenus(const ProjectFile& file);
 
 /** Sections of the menu pages of a title set, or of the manager (0), that a run makes, in order. */

@@ -22,15 +22,6 @@ static std::string notPatchableWhy(const fs::path& path)
     return why.empty() ? "" : why + "; a run fills the movies in place";
 }
 
-static std::string notMpegWhy(const fs::path& path)
-{
-    if (std::string why = notReadableWhy(path); !why.empty()) return why;
-    char head[4] = {};
-    std::ifstream(path, std::ios::binary).read(head, sizeof head);
-    const std::string_view start(head, sizeof head), sequence("\0\0\1\xB3", 4), pack("\0\0\1\xBA", 4);
-    return start == sequence || start == pack ? "" : "the file begins neither with a sequence header nor with a pack";
-}
-
 static std::string noSectorWhy(const fs::path& path)
 {
     std::error_code error;

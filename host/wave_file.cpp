@@ -77,10 +77,11 @@ static StreamFault checkSamples(StreamFormat* format)
     return {};
 }
 
-/** A program that writes into a pipe knows no sizes, and leaves the largest number or 0 in all of them. */
-static bool isUnknown(uint64_t size, uint64_t riffSize)
+/** A program that writes into a pipe knows no sizes, and leaves the largest number or 0 in all of them; one that was
+ *  stopped leaves a RIFF size that ends where the samples begin, at from. */
+static bool isUnknown(uint64_t size, uint64_t riffSize, uint64_t from)
 {
-    return size == UINT32_MAX || (size == 0 && riffSize == 0);
+    return size == UINT32_MAX || (size == 0 && riffSize + CHUNK_HEAD_BYTES <= from);
 }
 
 static bool readAt(std::istream& in, uint64_t at, uint8_t* to, uint64_t bytes)
@@ -90,10 +91,11 @@ static bool readAt(std::istream& in, uint64_t at, uint8_t* to, uint64_t bytes)
     return bool(in.read(reinterpret_cast<char*>(to), std::streamsize(bytes)));
 }
 
-StreamFault readWave(std::istream& in, uint64_t bytes, StreamFormat* format)
+StreamFault findWaveSamples(std::istream& in, uint64_t bytes, WaveSamples* samples)
 {
     constexpr int MOST_CHUNKS = 10000;
     uint8_t riff[RIFF_HEAD_BYTES] = {}, head[CHUNK_HEAD_BYTES] = {};
+    StreamFormat* format = &samples->format;
     format->kind = STREAM_LPCM;
     bool formatSeen = false;
     if (!readAt(in, 0, riff, sizeof riff)) return { CODE_READ_FAILED, "the file can't be read" };
@@ -103,8 +105,10 @@ StreamFault readWave(std::istream& in, uint64_t bytes, StreamFormat* format)
         if (std::memcmp(head, "data", 4) == 0) {
             if (!formatSeen) return { 0, "there is no `fmt ` chunk in front of its samples" };
             format->from = at + CHUNK_HEAD_BYTES;
-            format->bytes = isUnknown(size, little(riff + 4, 4)) ? left : std::min(size, left);
-            return checkSamples(format);
+            format->bytes = isUnknown(size, little(riff + 4, 4), format->from) ? left : std::min(size, left);
+            samples->told = size;
+            samples->isPlain = little(format->wave.data(), 2) == TAG_PCM;
+            return {};
         }
         if (std::memcmp(head, "fmt ", 4) == 0) {
             if (StreamFault fault = readFormat(in, std::min(size, left), format)) return fault;
@@ -113,4 +117,12 @@ StreamFault readWave(std::istream& in, uint64_t bytes, StreamFormat* format)
         at += CHUNK_HEAD_BYTES + size + size % 2;
     }
     return { 0, "there is no `data` chunk in it" };
+}
+
+StreamFault readWave(std::istream& in, uint64_t bytes, StreamFormat* format)
+{
+    WaveSamples samples = { *format };
+    StreamFault fault = findWaveSamples(in, bytes, &samples);
+    *format = samples.format;
+    return fault ? fault : checkSamples(format);
 }

@@ -21,6 +21,11 @@ void orvPackHeaderAt(uint8_t* pack, uint64_t sector, uint64_t rate)
     const double seconds = double(sector) / packsPerSecond;
     const uint64_t scr = uint64_t(seconds * 90000.0);
     const uint64_t extension = uint64_t(seconds * 27000000.0) % 300;
+    orvPackHeader(pack, scr, extension, rate);
+}
+
+void orvPackHeader(uint8_t* pack, uint64_t scr, uint64_t extension, uint64_t rate)
+{
     putStartCode(pack, PACK_START);
     orvSetScr(pack, scr, extension);
     uint8_t* to = pack + PACK_MUX_RATE.at;

@@ -9,6 +9,8 @@ inline constexpr uint64_t MUX_RATE = 25200;   // of every program stream of the 
 /** Pack header: the SCR of this sector of a stream of even rate. rate is in units of 50 bytes a second and not 0.
     Sector 0 has SCR 0. */
 void orvPackHeaderAt(uint8_t* pack, uint64_t sector, uint64_t rate);
+/** Pack header with a given SCR: 90 kHz ticks, of which bit 32 is not stored, and the 27 MHz part. */
+void orvPackHeader(uint8_t* pack, uint64_t scr, uint64_t extension, uint64_t rate);
 /** System header of a navigation pack, 24 bytes behind the pack header. */
 void orvSystemHeader(uint8_t* pack, uint64_t rate);
 /** System header of a DVD-Audio still's navigation pack, 21 bytes behind the pack header. */

@@ -85,3 +85,20 @@ uint64_t orvReadButton(const RunHead* run, const char16_t* value, ButtonDesc* bu
     }
     return 0;
 }
+
+uint64_t orvReadButtons(const RunHead* run, const OsProfile* file, const char16_t* section,
+                        ButtonDesc buttons[MAX_BUTTONS], uint64_t* buttonCount)
+{
+    const Section at = { run, file, section };
+    const uint64_t count = orvReadInt(at, u"buttons");
+    if (count > MAX_BUTTONS) return ORV_WRONG_BUTTON_COUNT;
+    *buttonCount = 0;
+    for (uint64_t i = 1; i <= count; i++) {
+        ButtonDesc* const button = &buttons[(*buttonCount)++];
+        char16_t value[128];
+        // Meant: a button without a key counts and stays all zero. Test: Menu.MissingButtonCounts
+        if (!orvReadBounded(at, orvNumberedName(u"button%ld", i).text, value)) continue;
+        if (const uint64_t error = orvReadButton(run, value, button)) return error;
+    }
+    return 0;
+}

@@ -82,16 +82,13 @@ void finishAudioButton(MenuDesc* menu, uint64_t buttons, ButtonDesc* button)
 
 uint64_t readMenuButtons(const Section& section, MenuDesc* menu)
 {
-    const uint64_t count = orvReadInt(section, u"buttons");
-    if (count > MAX_BUTTONS) return ORV_WRONG_BUTTON_COUNT;
-    menu->buttonCount = 0;
-    for (uint64_t i = 1; i <= count; i++) {
-        ButtonDesc* const button = &menu->buttons[menu->buttonCount++];
-        char16_t value[128];
-        // Meant: a button without a key counts and stays all zero. Test: Menu.MissingButtonCounts
-        if (!orvReadBounded(section, orvNumberedName(u"button%ld", i).text, value)) continue;
-        if (const uint64_t error = orvReadButton(section.run, value, button)) return error;
-        if (button->command == VM_SET_AUDIO) finishAudioButton(menu, count, button);
+    if (const uint64_t error =
+            orvReadButtons(section.run, section.file, section.name, menu->buttons, &menu->buttonCount)) {
+        return error;
+    }
+    for (uint64_t i = 0; i < menu->buttonCount; i++) {
+        ButtonDesc* const button = &menu->buttons[i];
+        if (button->command == VM_SET_AUDIO) finishAudioButton(menu, menu->buttonCount, button);
     }
     return 0;
 }

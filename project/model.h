@@ -103,6 +103,7 @@ struct StillDesc {
     char16_t* subPicture;         // bitmap; null: none
     uint64_t hasSubPicture;       // 1: the still has a sub-picture, and with it a highlight
     uint64_t subPictureSectors;   // packs of the encoded sub-picture; set by the multiplexer
+    uint64_t startSector;         // of the still in AUDIO_SV.VOB; set by the stage that makes it
     uint8_t colorSets[COLOR_SETS][COLOR_SET_BYTES];
     uint64_t buttonCount;
     ButtonDesc buttons[MAX_BUTTONS];

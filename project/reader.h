@@ -27,6 +27,9 @@
                                    MenuDesc* menu);
 /** The value of a `button` key. */
 [[nodiscard]] uint64_t orvReadButton(const RunHead* run, const char16_t* value, ButtonDesc* button);
+/** The keys `buttons` and `button1` and up of a section. */
+[[nodiscard]] uint64_t orvReadButtons(const RunHead* run, const OsProfile* file, const char16_t* section,
+                                      ButtonDesc buttons[MAX_BUTTONS], uint64_t* buttonCount);
 /** The keys `colorset1` to `colorset3` of a section. */
 [[nodiscard]] uint64_t orvReadColorSets(const RunHead* run, const OsProfile* file, const char16_t* section,
                                         uint8_t colorSets[COLOR_SETS][COLOR_SET_BYTES]);

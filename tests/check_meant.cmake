@@ -14,7 +14,7 @@ foreach(file IN LISTS test_files)
 endforeach()
 
 set(files)
-foreach(folder base project mux menu video scan disc run host include)
+foreach(folder base project mux menu video scan audio disc run host include)
   file(GLOB_RECURSE more ${ROOT}/${folder}/*.cpp ${ROOT}/${folder}/*.h ${ROOT}/${folder}/*.inc)
   list(APPEND files ${more})
 endforeach()

@@ -5,25 +5,33 @@
 
 #include "project/progress.h"
 
-uint64_t orvScanProgress(const DiscContext* context, uint64_t total, uint64_t done, uint64_t user)
+#include <cstddef>
+
+// The head is the first thing in the root of a DVD-Video run.
+static const DiscContext* rootOf(const RunHead* run)
+{
+    static_assert(offsetof(DiscContext, head) == 0);
+    return reinterpret_cast<const DiscContext*>(run);
+}
+
+uint64_t orvScanProgress(const RunHead* run, uint64_t total, uint64_t done, uint64_t user)
 {
     const uint64_t value = total ? done * PROGRESS_HALF / total : PROGRESS_HALF;
-    return orvReportProgress(context, PROGRESS_TITLE_SET_MOVIE, value, user) == 0;
+    return orvReportProgress(rootOf(run), PROGRESS_TITLE_SET_MOVIE, value, user) == 0;
 }
 
-static uint64_t reportSecondHalf(const DiscContext* context, uint32_t kind, uint64_t total, uint64_t done,
-                                 uint64_t user)
+static uint64_t reportSecondHalf(const RunHead* run, uint32_t kind, uint64_t total, uint64_t done, uint64_t user)
 {
     const uint64_t value = total ? done * PROGRESS_HALF / total + PROGRESS_HALF : PROGRESS_WHOLE;
-    return orvReportProgress(context, kind, value, user) == 0;
+    return orvReportProgress(rootOf(run), kind, value, user) == 0;
 }
 
-uint64_t orvSetupProgress(const DiscContext* context, uint64_t total, uint64_t done, uint64_t user)
+uint64_t orvSetupProgress(const RunHead* run, uint64_t total, uint64_t done, uint64_t user)
 {
-    return reportSecondHalf(context, PROGRESS_TITLE_SET_MOVIE, total, done, user);
+    return reportSecondHalf(run, PROGRESS_TITLE_SET_MOVIE, total, done, user);
 }
 
-uint64_t orvMenuProgress(const DiscContext* context, uint64_t total, uint64_t done, uint64_t user)
+uint64_t orvMenuProgress(const RunHead* run, uint64_t total, uint64_t done, uint64_t user)
 {
-    return reportSecondHalf(context, user ? PROGRESS_TITLE_SET_MENUS : PROGRESS_MANAGER_MENUS, total, done, user);
+    return reportSecondHalf(run, user ? PROGRESS_TITLE_SET_MENUS : PROGRESS_MANAGER_MENUS, total, done, user);
 }

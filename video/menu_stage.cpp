@@ -145,7 +145,7 @@ uint64_t orvMakeMenuVob(MenuStage* stage, VobuRecord** vobuList)
     if (uint64_t error = writeVob(stage)) return error;
     if (uint64_t error = osStrDup(stage->vobPath, &sources[0])) return error;
     const uint64_t result = orvScanAndSetupMenu(
-        stage->context, stage->audioStreamCount, stage->subPictureCount, stage->menus, stage->menuCount,
+        &stage->context->head, stage->audioStreamCount, stage->subPictureCount, stage->menus, stage->menuCount,
         stage->skipMenu, stage->context->head.videoStandard, sources, stage->titleSetNumber, false, vobuList);
     (void)osStrFree(&sources[0]);
     return result;
@@ -165,17 +165,17 @@ static void splitAtLoopPoint(const MenuDesc* menu, VobuRecord* list)
     }
 }
 
-uint64_t orvScanAndSetupMenu(const DiscContext* context, uint64_t audioStreamCount, uint64_t subPictureCount,
+uint64_t orvScanAndSetupMenu(const RunHead* run, uint64_t audioStreamCount, uint64_t subPictureCount,
                              const MenuDesc* menus, uint64_t menuCount, uint64_t skipSetup, int64_t videoStandard,
                              char16_t* const* sources, uint64_t progressUser, bool noProgress, VobuRecord** vobuList)
 {
     StreamPackRecord* streamPacks = nullptr;
     if (uint64_t error = osAllocMem(0, &streamPacks)) return error;
-    uint64_t result = orvGetMovieInfo(context, nullptr, sources, 0, vobuList, &streamPacks, orvMenuProgress,
-                                      progressUser, noProgress);
+    uint64_t result =
+        orvGetMovieInfo(run, nullptr, sources, 0, vobuList, &streamPacks, orvMenuProgress, progressUser, noProgress);
     if (!result && menuCount > 0) splitAtLoopPoint(menus, *vobuList);
     if (!result && !skipSetup) {
-        result = orvSetupMenu(context, audioStreamCount, subPictureCount, menus, menuCount, videoStandard, sources[0],
+        result = orvSetupMenu(run, audioStreamCount, subPictureCount, menus, menuCount, videoStandard, sources[0],
                               *vobuList, streamPacks);
     }
     (void)osFreeMem(&streamPacks);

@@ -44,11 +44,12 @@ struct MenuStage {
     @param skipSetup   not 0: nothing is filled
     @param sources     MAX_SOURCES slots, the menu VOB in the first
     @param progressUser  number of the title set, 0 for a manager
+    @param noProgress  the run is none of DVD-Video, or nobody is to hear of it
     @param vobuList    as in orvGetMovieInfo */
-[[nodiscard]] uint64_t orvScanAndSetupMenu(const DiscContext* context, uint64_t audioStreamCount,
-                                           uint64_t subPictureCount, const MenuDesc* menus, uint64_t menuCount,
-                                           uint64_t skipSetup, int64_t videoStandard, char16_t* const* sources,
-                                           uint64_t progressUser, bool noProgress, VobuRecord** vobuList);
+[[nodiscard]] uint64_t orvScanAndSetupMenu(const RunHead* run, uint64_t audioStreamCount, uint64_t subPictureCount,
+                                           const MenuDesc* menus, uint64_t menuCount, uint64_t skipSetup,
+                                           int64_t videoStandard, char16_t* const* sources, uint64_t progressUser,
+                                           bool noProgress, VobuRecord** vobuList);
 
 /** Logs that a menu VOB can't be opened. path is what is known of its path. @return the code for it */
 [[nodiscard]] uint64_t orvMenuVobNotOpened(const DiscContext* context, const MenuStageTexts* texts,

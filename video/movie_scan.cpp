@@ -42,7 +42,7 @@ struct MovieScan {
     uint64_t previousVideoSector;
 };
 
-uint64_t orvCountFilePacks(const DiscContext* context, char16_t* const* sources, uint64_t* sectors)
+uint64_t orvCountFilePacks(const RunHead* run, char16_t* const* sources, uint64_t* sectors)
 {
     if (!sectors) return 0;
     uint64_t bytes = 0;
@@ -54,8 +54,8 @@ uint64_t orvCountFilePacks(const DiscContext* context, char16_t* const* sources,
         if (!result) result = osFileSize(file, &size);
         (void)osCloseFile(&file);   // nothing was written
         if (result) {
-            orvLogError(ORV_MOVIE_NOT_READ, context->head.logFilePath,
-                        u"Failed to open file in <orvCountFilePacks>: %s", sources[i]);
+            orvLogError(ORV_MOVIE_NOT_READ, run->logFilePath, u"Failed to open file in <orvCountFilePacks>: %s",
+                        sources[i]);
             return ORV_MOVIE_NOT_READ;
         }
         bytes += size;
@@ -218,33 +218,32 @@ static uint64_t scanPack(MovieScan* scan, const uint8_t* pack)
     return 0;
 }
 
-uint64_t orvGetMovieInfo(const DiscContext* context, const TitleSetDesc* titleSet, char16_t* const* sources,
+uint64_t orvGetMovieInfo(const RunHead* run, const TitleSetDesc* titleSet, char16_t* const* sources,
                          uint64_t titleSetNumber, VobuRecord** vobuList, StreamPackRecord** streamPackList,
                          PassProgress progress, uint64_t progressUser, bool noProgress)
 {
     uint64_t total = 0;
-    if (orvCountFilePacks(context, sources, &total)) {
-        orvLogError(ORV_MOVIE_NOT_READ, context->head.logFilePath, u"Failed to open file in <orvGetMovieInfo>: %s",
-                    sources[0]);
+    if (orvCountFilePacks(run, sources, &total)) {
+        orvLogError(ORV_MOVIE_NOT_READ, run->logFilePath, u"Failed to open file in <orvGetMovieInfo>: %s", sources[0]);
         return ORV_MOVIE_NOT_READ;
     }
     MovieScan scan = {};
     scan.titleSet = titleSet;
     scan.chapterLimit = titleSetNumber && titleSet ? titleSet->chapterCount : 0;
-    scan.frameTicks = orvFrameTicks(context->head.videoStandard);
+    scan.frameTicks = orvFrameTicks(run->videoStandard);
     scan.vobuList = vobuList;
     scan.streamPackList = streamPackList;
     scan.chapter = 1;
     osFillMem(scan.carry, CARRY_BYTES, 0xFF);
 
     PackSource source = {};
-    uint64_t result = orvOpenPackSource(&source, &context->head, sources);
+    uint64_t result = orvOpenPackSource(&source, run, sources);
     while (!result) {
         const uint8_t* pack = nullptr;
         result = orvNextPack(&source, &pack);
         if (result || !pack) break;
         if (orvIsNavPack(pack)) {
-            if (progress && !noProgress && !progress(context, total, scan.sector, progressUser)) result = ORV_CANCELED;
+            if (progress && !noProgress && !progress(run, total, scan.sector, progressUser)) result = ORV_CANCELED;
             if (!result) result = scanNavPack(&scan, pack);
         } else {
             result = scanPack(&scan, pack);

@@ -7,11 +7,11 @@
 #include <cstdint>
 
 // Progress of one pass over a movie. @return 0 to cancel, anything else to go on
-typedef uint64_t (*PassProgress)(const DiscContext* context, uint64_t total, uint64_t done, uint64_t user);
+typedef uint64_t (*PassProgress)(const RunHead* run, uint64_t total, uint64_t done, uint64_t user);
 
 /** Sectors of all source files together: the sum of their sizes, divided by 2048. sources has MAX_SOURCES entries.
     A file that can't be opened is logged and ORV_MOVIE_NOT_READ. A null sectors does nothing. */
-[[nodiscard]] uint64_t orvCountFilePacks(const DiscContext* context, char16_t* const* sources, uint64_t* sectors);
+[[nodiscard]] uint64_t orvCountFilePacks(const RunHead* run, char16_t* const* sources, uint64_t* sectors);
 
 /** Scans the source files, up to the first null entry, as one stream of packs; a pack may begin in one file and end in
     the next.
@@ -20,8 +20,8 @@ typedef uint64_t (*PassProgress)(const DiscContext* context, uint64_t total, uin
     @param streamPackList  the same for audio and sub-picture packs; null if not wanted
     @param progress        called at each navigation pack unless noProgress is set
     @return 0; ORV_MOVIE_NOT_READ, logged; ORV_CANCELED; ORV_NOTHING_SCANNED; a platform's number */
-[[nodiscard]] uint64_t orvGetMovieInfo(const DiscContext* context, const TitleSetDesc* titleSet,
-                                       char16_t* const* sources, uint64_t titleSetNumber, VobuRecord** vobuList,
+[[nodiscard]] uint64_t orvGetMovieInfo(const RunHead* run, const TitleSetDesc* titleSet, char16_t* const* sources,
+                                       uint64_t titleSetNumber, VobuRecord** vobuList,
                                        StreamPackRecord** streamPackList, PassProgress progress, uint64_t progressUser,
                                        bool noProgress);
 

@@ -74,13 +74,13 @@ static void fillMenuPack(MenuWalk* walk, uint64_t i, uint8_t* pack)
     walk->cellFrames += record->pictureCount;
 }
 
-static uint64_t fail(const DiscContext* context, const char16_t* path, uint64_t code, const char16_t* text)
+static uint64_t fail(const RunHead* run, const char16_t* path, uint64_t code, const char16_t* text)
 {
-    orvLogError(code, context->head.logFilePath, text, path);
+    orvLogError(code, run->logFilePath, text, path);
     return code;
 }
 
-static uint64_t setupPacks(const DiscContext* context, const char16_t* path, OSFILE file, MenuWalk* walk)
+static uint64_t setupPacks(const RunHead* run, const char16_t* path, OSFILE file, MenuWalk* walk)
 {
     uint64_t size = 0;
     if (uint64_t error = osFileSize(file, &size)) return error;
@@ -89,19 +89,19 @@ static uint64_t setupPacks(const DiscContext* context, const char16_t* path, OSF
         uint8_t pack[SECTOR_BYTES];
         const int64_t position = int64_t(walk->list[i].sector * SECTOR_BYTES);
         if (osSeekFile(file, position, OS_FROM_START) || osReadFile(file, pack, SECTOR_BYTES)) {
-            return fail(context, path, ORV_MOVIE_NOT_READ, u"Failed to read pack in <orvSetupMenu>: %s");
+            return fail(run, path, ORV_MOVIE_NOT_READ, u"Failed to read pack in <orvSetupMenu>: %s");
         }
         fillMenuPack(walk, i, pack);
         if (osSeekFile(file, position, OS_FROM_START) || osWriteFile(file, pack, SECTOR_BYTES)) {
-            return fail(context, path, ORV_MOVIE_NOT_WRITTEN, u"Failed to write pack in <orvSetupMenu>: %s");
+            return fail(run, path, ORV_MOVIE_NOT_WRITTEN, u"Failed to write pack in <orvSetupMenu>: %s");
         }
     }
     return 0;
 }
 
-uint64_t orvSetupMenu(const DiscContext* context, uint64_t audioStreamCount, uint64_t subPictureCount,
-                      const MenuDesc* menus, uint64_t menuCount, int64_t videoStandard, const char16_t* path,
-                      const VobuRecord* vobuList, const StreamPackRecord* streamPackList)
+uint64_t orvSetupMenu(const RunHead* run, uint64_t audioStreamCount, uint64_t subPictureCount, const MenuDesc* menus,
+                      uint64_t menuCount, int64_t videoStandard, const char16_t* path, const VobuRecord* vobuList,
+                      const StreamPackRecord* streamPackList)
 {
     MenuWalk walk = {};
     walk.list = vobuList;
@@ -119,10 +119,10 @@ uint64_t orvSetupMenu(const DiscContext* context, uint64_t audioStreamCount, uin
     OSFILE file = 0;
     if (uint64_t error = osOpenFile(path, OS_EXTEND, &file)) return error;
     uint64_t result = orvBuildSyncIndex(&walk.sync, streamPackList, audioStreamCount, subPictureCount);
-    if (!result) result = setupPacks(context, path, file, &walk);
+    if (!result) result = setupPacks(run, path, file, &walk);
     orvFreeSyncIndex(&walk.sync);
     if (osCloseFile(&file) && !result) {
-        result = fail(context, path, ORV_MOVIE_NOT_WRITTEN, u"Failed to write pack in <orvSetupMenu>: %s");
+        result = fail(run, path, ORV_MOVIE_NOT_WRITTEN, u"Failed to write pack in <orvSetupMenu>: %s");
     }
     return result;
 }

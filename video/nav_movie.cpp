@@ -14,7 +14,7 @@
 // that is passed nothing is needed again but the share of a split pack. Only the packs themselves are read: all that
 // lies between them stays untouched.
 struct MovieFiles {
-    const DiscContext* context;
+    const RunHead* run;
     char16_t* const* sources;
     uint64_t index;   // of the open file
     OSFILE file;
@@ -25,7 +25,7 @@ struct MovieFiles {
 
 static uint64_t fail(const MovieFiles* files, uint64_t index, uint64_t code, const char16_t* text)
 {
-    orvLogError(code, files->context->head.logFilePath, text, files->sources[index]);
+    orvLogError(code, files->run->logFilePath, text, files->sources[index]);
     return code;
 }
 
@@ -177,7 +177,7 @@ static uint64_t setupPacks(MovieFiles* files, TitleWalk* walk, PassProgress prog
     for (uint64_t i = 0; i < walk->count; i++) {
         uint8_t pack[SECTOR_BYTES];
         bool ended = false;
-        if (progress && !progress(files->context, walk->count, i, progressUser)) return ORV_CANCELED;
+        if (progress && !progress(files->run, walk->count, i, progressUser)) return ORV_CANCELED;
         if (uint64_t error = readNavPack(files, walk->list[i].sector, pack, &ended)) return error;
         if (ended) return 0;
         fillTitlePack(walk, i, pack);
@@ -186,12 +186,12 @@ static uint64_t setupPacks(MovieFiles* files, TitleWalk* walk, PassProgress prog
     return 0;
 }
 
-uint64_t orvSetupMovieA(const DiscContext* context, int64_t videoStandard, uint64_t audioStreamCount,
-                        char16_t* const* sources, const VobuRecord* vobuList, const StreamPackRecord* streamPackList,
-                        PassProgress progress, uint64_t progressUser)
+uint64_t orvSetupMovieA(const RunHead* run, int64_t videoStandard, uint64_t audioStreamCount, char16_t* const* sources,
+                        const VobuRecord* vobuList, const StreamPackRecord* streamPackList, PassProgress progress,
+                        uint64_t progressUser)
 {
     MovieFiles files = {};
-    files.context = context;
+    files.run = run;
     files.sources = sources;
 
     TitleWalk walk = {};
@@ -202,7 +202,7 @@ uint64_t orvSetupMovieA(const DiscContext* context, int64_t videoStandard, uint6
     walk.audioStreamCount = audioStreamCount;
     // Meant: a failed count is logged and the work goes on; the last unit then ends nowhere.
     // Test: NavMovie.FailedCountIsLoggedAndTheWorkGoesOn
-    if (orvCountFilePacks(context, sources, &walk.totalSectors)) {
+    if (orvCountFilePacks(run, sources, &walk.totalSectors)) {
         (void)fail(&files, 0, ORV_MOVIE_NOT_READ, u"Failed to open file in <orvSetupMovieA>: %s");
     }
     orvBeginSearch(&walk.search, vobuList, walk.ticksPerFrame);

@@ -10,7 +10,7 @@
 /** Fills every navigation pack of a title's source files.
     @param progress  called before each unit if not null
     @return 0; ORV_MOVIE_NOT_READ or ORV_MOVIE_NOT_WRITTEN, logged; ORV_CANCELED; a platform's number */
-[[nodiscard]] uint64_t orvSetupMovieA(const DiscContext* context, int64_t videoStandard, uint64_t audioStreamCount,
+[[nodiscard]] uint64_t orvSetupMovieA(const RunHead* run, int64_t videoStandard, uint64_t audioStreamCount,
                                       char16_t* const* sources, const VobuRecord* vobuList,
                                       const StreamPackRecord* streamPackList, PassProgress progress,
                                       uint64_t progressUser);
@@ -20,7 +20,7 @@
     @param menus            the menu of VOB n is entry n - 1; a VOB past menuCount is a menu without buttons
     @return 0; ORV_MOVIE_NOT_READ or ORV_MOVIE_NOT_WRITTEN, logged; a platform's number, as where the VOB can't be
             opened */
-[[nodiscard]] uint64_t orvSetupMenu(const DiscContext* context, uint64_t audioStreamCount, uint64_t subPictureCount,
+[[nodiscard]] uint64_t orvSetupMenu(const RunHead* run, uint64_t audioStreamCount, uint64_t subPictureCount,
                                     const MenuDesc* menus, uint64_t menuCount, int64_t videoStandard,
                                     const char16_t* path, const VobuRecord* vobuList,
                                     const StreamPackRecord* streamPackList);

@@ -54,7 +54,7 @@ static uint64_t makeMenuVob(TitleSetRun* run, char16_t* vobPath)
     if (uint64_t error = osAllocMem(0, &run->menuList)) return error;
     if (uint64_t error = orvMakeMenuVob(&stage, &run->menuList)) return error;
     char16_t* const sources[MAX_SOURCES] = { vobPath };
-    return orvCountFilePacks(run->context, sources, &run->menuSectors);
+    return orvCountFilePacks(&run->context->head, sources, &run->menuSectors);
 }
 
 static uint64_t makeMenus(TitleSetRun* run)
@@ -78,12 +78,12 @@ static bool onOpticalMedia(const TitleSetRun* run)
 static uint64_t scanAndSetup(TitleSetRun* run, StreamPackRecord** streamPacks)
 {
     char16_t* const* sources = run->titleSet->sources;
-    if (uint64_t error = orvGetMovieInfo(run->context, run->titleSet, sources, run->number, &run->titleList,
+    if (uint64_t error = orvGetMovieInfo(&run->context->head, run->titleSet, sources, run->number, &run->titleList,
                                          streamPacks, orvScanProgress, run->number, false)) {
         return error;
     }
     if (onOpticalMedia(run)) return 0;   // its packs can't be filled
-    return orvSetupMovieA(run->context, run->context->head.videoStandard,
+    return orvSetupMovieA(&run->context->head, run->context->head.videoStandard,
                           run->titleSet->titleAttributes.audioStreamCount, sources, run->titleList, *streamPacks,
                           orvSetupProgress, run->number);
 }
@@ -100,7 +100,7 @@ static uint64_t prepareMovie(TitleSetRun* run)
     if (!result) result = scanAndSetup(run, &streamPacks);
     (void)osFreeMem(&streamPacks);
     if (result) return result;
-    return orvCountFilePacks(run->context, run->titleSet->sources, &run->titleSectors);
+    return orvCountFilePacks(&run->context->head, run->titleSet->sources, &run->titleSectors);
 }
 
 static uint64_t writeTables(const TitleSetRun* run, const char16_t* ifoPath, const char16_t* backupPath)

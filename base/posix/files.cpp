@@ -283,6 +283,11 @@ uint64_t osGetCurrentDirectory(char16_t** path)
     return osAnsiToWide(path, native, nullptr);
 }
 
+uint64_t osGetDefaultDirectory(char16_t** path)
+{
+    return osGetCurrentDirectory(path);
+}
+
 uint64_t osGetDriveType(const char16_t* path, uint64_t* type)
 {
     if (!path || !type) return OS_INVALID_ARGUMENT;

@@ -15,6 +15,7 @@ struct IniRange {
 struct IniLine {
     IniLineKind kind;
     bool isBlank;
+    bool isComment;
     uint64_t next;    // where the next line begins
     IniRange name;    // of the section or the key, without blanks around it; never empty for a key
     IniRange value;   // of the key, without blanks around it, with its quotes
@@ -48,12 +49,13 @@ template <class Unit> IniLine osIniLine(std::basic_string_view<Unit> text, uint6
     const uint64_t lineFeed = text.find(Unit('\n'), at);
     const bool isLast = lineFeed == text.npos;
     uint64_t end = isLast ? text.size() : lineFeed;
-    IniLine line = { IniLineKind::NOTHING, false, isLast ? end : end + 1, {}, {} };
+    IniLine line = { IniLineKind::NOTHING, false, false, isLast ? end : end + 1, {}, {} };
     if (end > at && text[end - 1] == Unit('\r')) end--;
 
     const IniRange all = osIniTrim(text, { at, end });
     line.isBlank = all.begin == all.end;
-    if (line.isBlank || text[all.begin] == Unit(';')) return line;
+    line.isComment = !line.isBlank && text[all.begin] == Unit(';');
+    if (line.isBlank || line.isComment) return line;
     const bool isSection = text[all.begin] == Unit('[');
     const uint64_t mark = osIniText(text, all).find(Unit(isSection ? ']' : '='));
     if (mark == text.npos) return line;

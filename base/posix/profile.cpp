@@ -35,6 +35,7 @@ struct OsProfile {
     std::u16string path;
     std::u16string text;
     std::vector<Piece> sections;    // names in the order of the file
+    std::vector<bool> hasLines;     // of each section
     std::vector<uint32_t> byName;   // indices of sections by name, then by place
     std::vector<Key> keys;          // by section, by name, then by place
 };
@@ -72,7 +73,12 @@ void collect(OsProfile& profile)
     const View text = profile.text;
     for (uint64_t at = 0; at < text.size();) {
         const IniLine line = osIniLine(text, at);
-        if (line.kind == IniLineKind::SECTION) profile.sections.push_back(pieceOf(text, line.name));
+        if (line.kind == IniLineKind::SECTION) {
+            profile.sections.push_back(pieceOf(text, line.name));
+            profile.hasLines.push_back(false);
+        } else if (!line.isBlank && !line.isComment && !profile.sections.empty()) {
+            profile.hasLines.back() = true;
+        }
         if (line.kind == IniLineKind::KEY && !profile.sections.empty()) {
             profile.keys.push_back({ uint32_t(profile.sections.size() - 1), pieceOf(text, line.name),
                                      pieceOf(text, osIniUnquote(text, line.value)) });
@@ -116,18 +122,25 @@ void load(OsProfile& profile)
     sort(profile);
 }
 
-// The first key of its name in the first section of its name, or null.
-const Key* find(const OsProfile* profile, const char16_t* section, const char16_t* key)
+// Index of the first section of a name, or null.
+const uint32_t* findSection(const OsProfile* profile, const char16_t* section)
 {
-    if (!profile || !section || !key) return nullptr;
     const View sectionName(section, osStrLength(section));
-    const View keyName(key, osStrLength(key));
     const auto at =
         std::lower_bound(profile->byName.begin(), profile->byName.end(), sectionName, [&](uint32_t index, View name) {
             return osIniCompare(viewOf(*profile, profile->sections[index]), name) < 0;
         });
     if (at == profile->byName.end()) return nullptr;
-    if (osIniCompare(viewOf(*profile, profile->sections[*at]), sectionName) != 0) return nullptr;
+    return osIniCompare(viewOf(*profile, profile->sections[*at]), sectionName) == 0 ? &*at : nullptr;
+}
+
+// The first key of its name in the first section of its name, or null.
+const Key* find(const OsProfile* profile, const char16_t* section, const char16_t* key)
+{
+    if (!profile || !section || !key) return nullptr;
+    const uint32_t* const at = findSection(profile, section);
+    if (!at) return nullptr;
+    const View keyName(key, osStrLength(key));
     const auto found =
         std::lower_bound(profile->keys.begin(), profile->keys.end(), keyName, [&](const Key& candidate, View name) {
             if (candidate.section != *at) return candidate.section < *at;
@@ -188,6 +201,13 @@ void osCloseProfile(OsProfile** profile)
 const char16_t* osProfilePath(const OsProfile* profile)
 {
     return profile ? profile->path.c_str() : u"";
+}
+
+bool osProfileHasLines(const OsProfile* profile, const char16_t* section)
+{
+    if (!profile || !section) return false;
+    const uint32_t* const at = findSection(profile, section);
+    return at && profile->hasLines[*at];
 }
 
 uint32_t osProfileInt(const OsProfile* profile, const char16_t* section, const char16_t* key, uint32_t absent)

@@ -208,6 +208,11 @@ uint64_t osGetCurrentDirectory(char16_t** path)
     return result;
 }
 
+uint64_t osGetDefaultDirectory(char16_t** path)
+{
+    return osStrDup(u"C:\\", path);
+}
+
 uint64_t osGetDriveType(const char16_t* path, uint64_t* type)
 {
     if (!path || !type) return OS_INVALID_ARGUMENT;

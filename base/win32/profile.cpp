@@ -63,6 +63,13 @@ uint64_t osProfileSectionNames(const OsProfile* profile, char16_t* buffer, uint6
     return GetPrivateProfileSectionNamesW(osNative(buffer), osCount(size), osNative(profile->path));
 }
 
+bool osProfileHasLines(const OsProfile* profile, const char16_t* section)
+{
+    if (!profile || !section) return false;
+    wchar_t lines[4];   // of a text that does not fit, its beginning
+    return GetPrivateProfileSectionW(osNative(section), lines, 4, osNative(profile->path)) != 0;
+}
+
 uint64_t osGetIniInt(const char16_t* path, const char16_t* section, const char16_t* key, uint32_t absent, uint64_t* out)
 {
     if (!out) return OS_INVALID_ARGUMENT;

@@ -15,8 +15,18 @@ static constexpr uint64_t USUAL_COLUMNS = 80;
 
 uint64_t platformAuthor(const RunRequest& request)
 {
+    if (request.isAudio) {
+        return ParseAudioDesc(request.project.c_str(), request.target.c_str(), nullptr, request.progress, request.user,
+                              request.log.c_str());
+    }
     return ParseDVDDesc(request.project.c_str(), request.target.c_str(), request.previous.c_str(), request.progress,
                         request.user, request.log.c_str());
+}
+
+uint64_t platformCreateAob(const AobRequest& request, AobMuxer** muxer)
+{
+    return aobCreateMuxer(request.folder.c_str(), request.titleSet, request.trackCount, request.tracks, request.samples,
+                          request.user, muxer);
 }
 
 uint64_t platformAddFileStream(MuxContext* handle, const std::filesystem::path& path, uint64_t flags,

@@ -2,6 +2,7 @@
 #ifndef ORVEN_ORVEN_H
 #define ORVEN_ORVEN_H
 
+#include <orven/aob.h>
 #include <orven/authoring.h>
 #include <orven/disc.h>
 #include <orven/mux.h>

@@ -65,7 +65,8 @@ TEST(Explain, ResultLine)
 // Every result of the library without a text of its own has one here.
 TEST(Explain, ResultsWithoutAText)
 {
-    for (const uint64_t code : { 0x84000057, 0x8400040B, 0x8400044B, 0x88010001, 0x88010002, 0x88010102 }) {
+    for (const uint64_t code :
+         { 0x84000057, 0x8400040B, 0x8400044B, 0x84000C1C, 0x84000C1E, 0x88010001, 0x88010002, 0x88010102 }) {
         EXPECT_NE(ownText(code), "") << hexCode(code);
         EXPECT_NE(explanation(code), "") << hexCode(code);
     }
@@ -77,6 +78,25 @@ TEST(Explain, EveryResultOfTheReaderIsExplained)
         const bool unused = id == 1002 || id == 1021 || id == 1028;   // no run gives them
         EXPECT_EQ(explanation(libraryCode(id)) == "", unused) << id;
     }
+}
+
+TEST(Explain, EveryResultOfDvdAudioIsExplained)
+{
+    for (uint64_t id = 6001; id <= 6027; id++) {
+        const std::string text = explanation(libraryCode(id));
+        EXPECT_GT(text.size(), 30u) << id;
+        EXPECT_NE(text, "A result of DVD-Audio authoring.") << id;
+    }
+}
+
+TEST(Explain, RowsAscend)
+{
+    const uint64_t ids[] = {
+#define EXPLAIN(id, text) id,
+#include "host/explain_texts.inc"
+#undef EXPLAIN
+    };
+    for (size_t i = 1; i < std::size(ids); i++) EXPECT_LT(ids[i - 1], ids[i]);
 }
 
 }   // namespace

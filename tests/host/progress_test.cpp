@@ -39,6 +39,34 @@ TEST(Progress, OneLineAStage)
                     "100%  disc manager: backup\n");
 }
 
+// A run of DVD-Audio: stills, the first title set laid from WAVE files and the second one finished, no menus.
+TEST(Progress, StagesOfDvdAudio)
+{
+    ProgressDisplay display;
+    display.mode = PROGRESS_LINES;
+    display.isAudio = true;
+    display.titleSets = { { 1, false }, { 2, false } };
+    const Report run[] = { { 0, 4 },  { 10, 4 }, { 11, 5 }, { 12, 6 }, { 20, 1 }, { 40, 1 }, { 41, 2 },
+                           { 42, 3 }, { 80, 2 }, { 81, 3 }, { 90, 7 }, { 91, 8 }, { 92, 9 }, { 100, 10 } };
+    std::string text;
+    for (const Report& report : run) text += progressStep(&display, 100, report.done, report.kind, 0);
+    EXPECT_EQ(text, "  0%  stills\n"
+                    " 11%  stills: tables\n"
+                    " 12%  stills: backup\n"
+                    " 20%  title set 1: sound\n"
+                    " 41%  title set 1: tables\n"
+                    " 42%  title set 1: backup\n"
+                    " 80%  title set 2: tables\n"
+                    " 81%  title set 2: backup\n"
+                    " 91%  disc manager: tables\n"
+                    " 92%  disc manager: backup\n"
+                    "100%  disc manager: player table\n");
+    display.managerMenus = true;
+    EXPECT_EQ(stageName(display, 7), "disc manager: menus");
+    EXPECT_EQ(stageName(display, 0), "");
+    EXPECT_EQ(stageName(display, 11), "");
+}
+
 TEST(Progress, BarIsRedrawnOnlyWhenItChanges)
 {
     ProgressDisplay display = displayOf(PROGRESS_BAR);

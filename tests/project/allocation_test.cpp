@@ -1,6 +1,8 @@
 // The n-th allocation fails, n = 1, 2, ... until a project is read whole: right code, nothing left behind, no crash.
 // Needs an allocator that a program may put its own in front of.
+#include "base/memory.h"
 #include "base/result.h"
+#include "project/audio_reader.h"
 #include "project/reader.h"
 #include "tests/project/project_file.h"
 
@@ -95,6 +97,61 @@ TEST(Allocation, EachFailureIsTold)
         EXPECT_EQ(blocksInUse, 0) << n;
     }
     EXPECT_EQ(readWithFailure(project, 17), 0u);
+    EXPECT_TRUE(project.logged({}));
+}
+
+namespace {
+
+const char* const AUDIO_PROJECT =
+    "[ASVS]\nstills=2\n[ASV01]\nbackground=a\nsubpicture=b\n[ASV02]\nbackground=c\n"
+    "[AMG_MENU1]\nbackground=d\nsubpicture=e\n"
+    "[ATS_01]\ntracks=2\n"
+    "[TRACK_01_01]\nformat=LPCM\nassign=1\nsamplesize=16\nsamplerate=48000\nplaytime=1\nchannel1=f\nchannel2=g\n"
+    "[TRACK_01_02]\nformat=LPCM\nassign=1\nsamplesize=16\nsamplerate=48000\nplaytime=1\nchannel1=\\h.AOB\n";
+
+// Reads the sections of a DVD-Audio project in the order of a run.
+uint64_t readAudioSections(AudioDiscContext* context, const OsProfile* file)
+{
+    if (uint64_t error = orvReadStills(&context->head, file, 1, &context->asvs)) return error;
+    if (uint64_t error = orvReadAmgMenu(&context->head, file, u"AMG_MENU1", &context->amgMenus[0])) return error;
+    AudioTitleSetDesc** const slot = &context->audioTitleSets[0];
+    if (uint64_t error = osAllocMem(sizeof(AudioTitleSetDesc), slot)) return error;
+    return orvReadAudioTitleSet(&context->head, file, 1, *slot);
+}
+
+// The same with the n-th allocation failing; 0 lets none fail.
+uint64_t readAudioWithFailure(const ProjectFile& project, uint64_t n)
+{
+    blocksInUse = 0;
+    allocationsLeft = n;
+    watching = true;
+    AudioDiscContext* context = nullptr;
+    uint64_t result = orvCreateAudioContext(project.logPath.c_str(), nullptr, 0, &context);
+    if (!result) result = readAudioSections(context, project.file);
+    orvFreeAudioContext(&context);
+    watching = false;
+    return result;
+}
+
+}   // namespace
+
+TEST(Allocation, EachFailureOfAnAudioProjectIsTold)
+{
+    const ProjectFile project(AUDIO_PROJECT);
+    ASSERT_EQ(readAudioWithFailure(project, 0), 0u);
+    ASSERT_EQ(blocksInUse, 0);
+    // The root and the log's path have one code of their own; then a still with two paths, a still with one, two paths
+    // of the menu, the title set; everything behind it is a path.
+    const std::set<uint64_t> blocks = { 3, 6, 10 };
+    uint64_t n = 1, result = 0;
+    for (; (result = readAudioWithFailure(project, n)) != 0; n++) {
+        const uint64_t code = blocks.contains(n) ? uint64_t(ENOMEM) : OS_OUT_OF_MEMORY;
+        EXPECT_EQ(result, n <= 2 ? 0x84001771u : code) << n;
+        EXPECT_EQ(blocksInUse, 0) << n;
+        ASSERT_LT(n, 100u);
+    }
+    EXPECT_GE(n, 14u);   // two paths of the first track, at least one of the second
+    EXPECT_EQ(blocksInUse, 0);
     EXPECT_TRUE(project.logged({}));
 }
 

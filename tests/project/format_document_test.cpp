@@ -1,34 +1,19 @@
 // What docs/project-format.md shows is true: its complete projects are read, its errors are the library's.
-#include "base/result.h"
 #include "project/reader.h"
+#include "tests/project/error_rows.h"
 #include "tests/project/project_file.h"
-
-#include <orven/results.h>
-
-#include <filesystem>
-#include <regex>
+#include "tests/support/document.h"
 
 namespace {
 
 std::string document()
 {
-    const std::filesystem::path tests = std::filesystem::path(__FILE__).parent_path().parent_path();
-    const Bytes bytes = readFile((tests.parent_path() / "docs" / "project-format.md").u16string());
-    return std::string(bytes.begin(), bytes.end());
+    return documentText("project-format.md");
 }
 
-// The complete projects of the document: those of its INI blocks that begin with the section COMMON.
 std::vector<std::string> projects()
 {
-    const std::string text = document(), opening = "```ini\n", closing = "```\n";
-    std::vector<std::string> found;
-    for (size_t at = text.find(opening); at != text.npos; at = text.find(opening, at)) {
-        at += opening.size();
-        const size_t end = text.find(closing, at);
-        if (text.compare(at, 8, "[COMMON]") == 0) found.push_back(text.substr(at, end - at));
-        at = end + closing.size();
-    }
-    return found;
+    return documentProjects(document());
 }
 
 ContextPtr readWhole(const ProjectFile& project, int64_t standard)
@@ -84,20 +69,7 @@ TEST(FormatDocument, LargerProject)
     EXPECT_EQ(first.menus[1].buttons[1].param1, 1u);
 }
 
-// Rows like: | 1003 | 0x840003EB | "Error 1003: number expected" | ... |
 TEST(FormatDocument, Errors)
 {
-    const std::string text = document();
-    const std::regex row("\\| (\\d{4}) \\| (0x[0-9A-F]{8}) \\| (none|\"[^\"]*\") \\|");
-    uint64_t rows = 0, before = 0;
-    for (std::sregex_iterator at(text.begin(), text.end(), row), end; at != end; at++, rows++) {
-        const uint64_t number = std::stoull((*at)[1]), code = std::stoull((*at)[2], nullptr, 16);
-        EXPECT_GT(number, before);
-        EXPECT_EQ(code, 0x84000000 + number);
-        char message[256] = "";
-        EXPECT_EQ(ErrorToString(code, message, sizeof message), 0u);
-        EXPECT_EQ((*at)[3], code == ORV_TOO_MANY_AUDIO_STREAMS ? "none" : '"' + std::string(message) + '"') << number;
-        before = number;
-    }
-    EXPECT_EQ(rows, 41u);
+    EXPECT_EQ(expectErrorRows(document()), 41u);
 }

@@ -80,12 +80,14 @@ uint64_t DiscRun::author()
     uint64_t result = 0;
     if (narrow) {
         // This form takes no null strings: a log or an earlier run that there is not is an empty one.
-        result = ParseDVDDesc(toUtf8(project).c_str(), toUtf8(target).c_str(), toUtf8(previous).c_str(), progress, user,
-                              nullLog ? "" : toUtf8(log).c_str());
+        const auto parse = audio ? ParseAudioDesc : ParseDVDDesc;
+        result = parse(toUtf8(project).c_str(), toUtf8(target).c_str(), toUtf8(previous).c_str(), progress, user,
+                       nullLog ? "" : toUtf8(log).c_str());
     } else {
         const bool noPrevious = previous.empty() && nullPrevious;
-        result = ParseDVDDescW(wide(project), wide(target), noPrevious ? nullptr : wide(previous), progress, user,
-                               nullLog ? nullptr : wide(log));
+        const auto parse = audio ? ParseAudioDescW : ParseDVDDescW;
+        result = parse(wide(project), wide(target), noPrevious ? nullptr : wide(previous), progress, user,
+                       nullLog ? nullptr : wide(log));
     }
     return result;
 }

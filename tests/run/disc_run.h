@@ -42,7 +42,8 @@ struct DiscRun {
     Bytes get(const std::string& name) const;
     bool has(const std::string& name) const;
 
-    /** Writes the project file and runs it through ParseDVDDescW, or through ParseDVDDesc if narrow is set. */
+    /** Writes the project file and runs it through ParseDVDDescW, or through ParseDVDDesc if narrow is set; a DVD-Audio
+        run if audio is set, which gets `previous` as the argument that it ignores. */
     uint64_t author(const std::string& projectText);
     uint64_t author();   // with the project file as it stands
 
@@ -55,6 +56,7 @@ struct DiscRun {
     bool nullPrevious = true;   // hands null in place of an empty previousPath
     bool nullProgress = false;
     bool narrow = false;
+    bool audio = false;
     uint64_t cancelAt = 0;   // the call of this number, from 1, cancels
     uint32_t cancelWith = 1;
     std::vector<ProgressCall> calls;

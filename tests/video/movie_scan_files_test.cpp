@@ -22,7 +22,7 @@ uint64_t countOf(const std::vector<uint64_t>& sizes)
         writeFile(sources.paths.back(), Bytes(sizes[i], 1));
     }
     uint64_t sectors = 999;
-    EXPECT_EQ(orvCountFilePacks(run.context.get(), sources.slots, &sectors), 0u);
+    EXPECT_EQ(orvCountFilePacks(&run.context->head, sources.slots, &sectors), 0u);
     return sectors;
 }
 
@@ -42,7 +42,7 @@ struct Failure {
 
     uint64_t scan()
     {
-        return orvGetMovieInfo(run.context.get(), nullptr, sources.slots, 0, &list.block, nullptr, recordProgress,
+        return orvGetMovieInfo(&run.context->head, nullptr, sources.slots, 0, &list.block, nullptr, recordProgress,
                                progress.user(), false);
     }
     testing::AssertionResult logged(const std::vector<std::u16string>& texts) const
@@ -78,7 +78,7 @@ TEST(CountFilePacks, EmptySlotsArePassedOver)
         char16_t* slots[32] = {};
         for (const uint64_t slot : filled) slots[slot] = path.data();
         uint64_t sectors = 0;
-        EXPECT_EQ(orvCountFilePacks(run.context.get(), slots, &sectors), 0u);
+        EXPECT_EQ(orvCountFilePacks(&run.context->head, slots, &sectors), 0u);
         EXPECT_EQ(sectors, 2 * filled.size());
     }
 }
@@ -89,7 +89,7 @@ TEST(CountFilePacks, NullCountDoesNothing)
     const RunRoot run(1, folder / u"run.log");
     Sources sources;
     sources.add(folder / u"missing.vob");
-    EXPECT_EQ(orvCountFilePacks(run.context.get(), sources.slots, nullptr), 0u);
+    EXPECT_EQ(orvCountFilePacks(&run.context->head, sources.slots, nullptr), 0u);
     EXPECT_FALSE(fileExists(run.logPath));
 }
 
@@ -102,7 +102,7 @@ TEST(CountFilePacks, MissingFile)
     sources.add(folder / u"missing.vob");
     writeFile(sources.paths[0], Bytes(4096, 1));
     uint64_t sectors = 0;
-    EXPECT_EQ(orvCountFilePacks(run.context.get(), sources.slots, &sectors), ORV_MOVIE_NOT_READ);
+    EXPECT_EQ(orvCountFilePacks(&run.context->head, sources.slots, &sectors), ORV_MOVIE_NOT_READ);
     EXPECT_TRUE(
         logHolds(run.logPath, { { 0x84000FB4, u"Failed to open file in <orvCountFilePacks>: " + sources.paths[1] } }));
 }
@@ -223,7 +223,7 @@ TEST(MovieScanFiles, ListEndsAtTheFirstEmptySlot)
     std::swap(sources.slots[1], sources.slots[2]);
     List<VobuRecord> list;
     ProgressLog progress;
-    EXPECT_EQ(orvGetMovieInfo(run.context.get(), nullptr, sources.slots, 0, &list.block, nullptr, recordProgress,
+    EXPECT_EQ(orvGetMovieInfo(&run.context->head, nullptr, sources.slots, 0, &list.block, nullptr, recordProgress,
                               progress.user(), false),
               0u);
     EXPECT_EQ(describeAll(list.records()), describeAll(movie.vobus));

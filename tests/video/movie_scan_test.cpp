@@ -347,9 +347,9 @@ ProgressScan scanWithProgress(const Bytes& stream, uint64_t cancelAt, bool noPro
     writeSources(sources, folder, stream);
     List<VobuRecord> list;
     ProgressLog log = { .cancelAt = cancelAt };
-    const uint64_t result = orvGetMovieInfo(run.context.get(), nullptr, sources.slots, 0, &list.block, nullptr,
+    const uint64_t result = orvGetMovieInfo(&run.context->head, nullptr, sources.slots, 0, &list.block, nullptr,
                                             recordProgress, log.user(), noProgress);
-    EXPECT_EQ(log.context, log.calls.empty() ? nullptr : run.context.get());
+    EXPECT_EQ(log.run, log.calls.empty() ? nullptr : &run.context->head);
     EXPECT_FALSE(fileExists(run.logPath));
     return { result, osListCount(list.block), log };
 }

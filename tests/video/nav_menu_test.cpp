@@ -249,7 +249,7 @@ struct MenuFile {
     {
         const List<VobuRecord> vobus(given.vobus);
         const List<StreamPackRecord> packs(given.packs);
-        return orvSetupMenu(run.context.get(), given.audioCount, given.subPictureCount, given.menus.data(),
+        return orvSetupMenu(&run.context->head, given.audioCount, given.subPictureCount, given.menus.data(),
                             given.menus.size(), given.standard, path.c_str(), vobus.block, packs.block);
     }
 };

@@ -84,7 +84,7 @@ TEST(NavMovie, ListEndsBeforeTheStream)
         const List<VobuRecord> vobus(given.vobus);
         const List<StreamPackRecord> packs(given.packs);
         ProgressLog progress;
-        EXPECT_EQ(orvSetupMovieA(root.context.get(), 1, 2, sources.slots, vobus.block, packs.block, recordProgress,
+        EXPECT_EQ(orvSetupMovieA(&root.context->head, 1, 2, sources.slots, vobus.block, packs.block, recordProgress,
                                  progress.user()),
                   0u);
         const Bytes after = sources.read();
@@ -139,7 +139,7 @@ struct Filling {
     {
         const List<VobuRecord> vobus(given.vobus);
         const List<StreamPackRecord> packs(given.packs);
-        return orvSetupMovieA(run.context.get(), given.standard, given.audioCount, sources.slots, vobus.block,
+        return orvSetupMovieA(&run.context->head, given.standard, given.audioCount, sources.slots, vobus.block,
                               packs.block, recordProgress, progress.user());
     }
 
@@ -159,7 +159,7 @@ TEST(NavMovie, ProgressBeforeEachUnit)
     filling.write({});
     EXPECT_EQ(filling.fill(), 0u);
     EXPECT_EQ(filling.progress.calls, (std::vector<std::pair<uint64_t, uint64_t>>{ { 3, 0 }, { 3, 1 }, { 3, 2 } }));
-    EXPECT_EQ(filling.progress.context, filling.run.context.get());
+    EXPECT_EQ(filling.progress.run, &filling.run.context->head);
 }
 
 TEST(NavMovie, CancelAtTheNthCall)

@@ -266,7 +266,7 @@ TEST(NavMovie, EmptyListsChangeNothing)
     Sources sources;
     writeSources(sources, folder, navStream(given));
     const List<VobuRecord> vobus(given.vobus);
-    EXPECT_EQ(orvSetupMovieA(root.context.get(), 1, 2, sources.slots, vobus.block, nullptr, nullptr, 0), 0u);
+    EXPECT_EQ(orvSetupMovieA(&root.context->head, 1, 2, sources.slots, vobus.block, nullptr, nullptr, 0), 0u);
     const Bytes after = sources.read();
     EXPECT_EQ(toHex(after.data() + 1433, 4), "00 00 00 00");
     EXPECT_EQ(toHex(after.data() + 57, 8), "00 00 00 00 00 00 A8 C0");

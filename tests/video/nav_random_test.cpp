@@ -248,7 +248,7 @@ TEST(NavRandom, ScannedMovies)
         const List<VobuRecord> vobus(given.vobus);
         const List<StreamPackRecord> packs(given.packs);
         EXPECT_EQ(
-            orvSetupMovieA(root.context.get(), given.standard, 2, sources.slots, vobus.block, packs.block, nullptr, 0),
+            orvSetupMovieA(&root.context->head, given.standard, 2, sources.slots, vobus.block, packs.block, nullptr, 0),
             0u);
         const NavRun run = { 0, movie.bytes, sources.read() };
         EXPECT_EQ(strayChanges(given, run), "");
@@ -283,9 +283,9 @@ double secondsFor(uint64_t units, bool isMenu)
     const List<StreamPackRecord> streamPacks(packs);
     const std::vector<MenuDesc> menus(1, MenuDesc{});
     const auto start = std::chrono::steady_clock::now();
-    const uint64_t result = isMenu ? orvSetupMenu(root.context.get(), 2, 1, menus.data(), 1, STANDARD_PAL,
+    const uint64_t result = isMenu ? orvSetupMenu(&root.context->head, 2, 1, menus.data(), 1, STANDARD_PAL,
                                                   sources.slots[0], vobus.block, streamPacks.block)
-                                   : orvSetupMovieA(root.context.get(), STANDARD_PAL, 2, sources.slots, vobus.block,
+                                   : orvSetupMovieA(&root.context->head, STANDARD_PAL, 2, sources.slots, vobus.block,
                                                     streamPacks.block, nullptr, 0);
     EXPECT_EQ(result, 0u);
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();

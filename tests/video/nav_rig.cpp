@@ -85,7 +85,7 @@ NavRun setupTitle(const NavSpec& given)
     writeSources(sources, folder, before, given.cuts);
     const List<VobuRecord> vobus(given.vobus);
     const List<StreamPackRecord> packs(given.packs);
-    const uint64_t result = orvSetupMovieA(run.context.get(), given.standard, given.audioCount, sources.slots,
+    const uint64_t result = orvSetupMovieA(&run.context->head, given.standard, given.audioCount, sources.slots,
                                            vobus.block, packs.block, nullptr, 0);
     uint64_t from = 0;
     for (uint64_t i = 0; i <= given.cuts.size(); i++) {
@@ -105,7 +105,7 @@ NavRun setupMenu(const NavSpec& given)
     writeFile(path, before);
     const List<VobuRecord> vobus(given.vobus);
     const List<StreamPackRecord> packs(given.packs);
-    const uint64_t result = orvSetupMenu(run.context.get(), given.audioCount, given.subPictureCount,
+    const uint64_t result = orvSetupMenu(&run.context->head, given.audioCount, given.subPictureCount,
                                          given.menus.empty() ? nullptr : given.menus.data(), given.menus.size(),
                                          given.standard, path.c_str(), vobus.block, packs.block);
     return { result, before, readFile(path) };

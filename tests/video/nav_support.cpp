@@ -30,11 +30,11 @@ std::string describe(const StreamPackRecord& r)
            std::to_string(r.vobId);
 }
 
-uint64_t recordProgress(const DiscContext* context, uint64_t total, uint64_t done, uint64_t user)
+uint64_t recordProgress(const RunHead* run, uint64_t total, uint64_t done, uint64_t user)
 {
     ProgressLog& log = *reinterpret_cast<ProgressLog*>(user);
     log.calls.push_back({ total, done });
-    log.context = context;
+    log.run = run;
     if (log.calls.size() == 1 && !log.deleteAtFirst.empty()) {
         EXPECT_TRUE(std::filesystem::remove(std::filesystem::path(log.deleteAtFirst)));
     }
@@ -45,7 +45,7 @@ Scan scanSources(const RunRoot& run, const Sources& sources, const ScanSpec& giv
 {
     List<VobuRecord> vobus;
     List<StreamPackRecord> packs;
-    const uint64_t result = orvGetMovieInfo(run.context.get(), given.titleSet, sources.slots, given.titleSetNumber,
+    const uint64_t result = orvGetMovieInfo(&run.context->head, given.titleSet, sources.slots, given.titleSetNumber,
                                             &vobus.block, given.wantPacks ? &packs.block : nullptr, nullptr, 0, true);
     return { result, vobus.records(), packs.records() };
 }

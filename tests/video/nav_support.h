@@ -67,7 +67,7 @@ template <class T> std::vector<std::string> describeAll(const std::vector<T>& re
 struct ProgressLog {
     uint64_t cancelAt = 0;
     std::vector<std::pair<uint64_t, uint64_t>> calls = {};   // total, done
-    const DiscContext* context = nullptr;                    // of the last call
+    const RunHead* run = nullptr;                            // of the last call
     std::u16string deleteAtFirst = {};                       // a file that the first call deletes
 
     uint64_t user()
@@ -75,7 +75,7 @@ struct ProgressLog {
         return reinterpret_cast<uint64_t>(this);
     }
 };
-uint64_t recordProgress(const DiscContext* context, uint64_t total, uint64_t done, uint64_t user);
+uint64_t recordProgress(const RunHead* run, uint64_t total, uint64_t done, uint64_t user);
 
 // One pass over a stream.
 struct Scan {
