@@ -2,6 +2,7 @@
 #pragma once
 
 #include "base/bytes.h"
+#include "mux/pack_layout.h"
 
 #include <cstdint>
 
@@ -78,8 +79,7 @@ inline constexpr AobSizeRow AOB_SIZES[] = {
 /** Bytes in front of the samples. */
 [[nodiscard]] constexpr uint64_t orvAobHeaderBytes(const AobPackSizes& sizes, bool first)
 {
-    constexpr uint64_t PACK_HEADER = 14;
-    return PACK_HEADER + (first ? AOB_SYSTEM_HEADER_BYTES : 0) + AOB_PES_BYTES + sizes.pesHeaderLength +
+    return PACK_HEADER_BYTES + (first ? AOB_SYSTEM_HEADER_BYTES : 0) + AOB_PES_BYTES + sizes.pesHeaderLength +
            AOB_HEADER_BASE + sizes.headerLength;
 }
 

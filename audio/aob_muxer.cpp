@@ -2,6 +2,7 @@
 // numbers that the tables of the disc need.
 
 #include "audio/aob_packs.h"
+#include "audio/sample_units.h"
 #include "audio/track_info.h"
 #include "base/memory.h"
 #include "base/result.h"

@@ -41,10 +41,3 @@ struct AobSource {
     @return 0; ORV_WRONG_SAMPLE_RATE; ORV_SAMPLE_SIZE_20_UNSUPPORTED; ORV_AOB_NOT_WRITTEN; ORV_AOB_UNDERRUN; the
             failures of the source */
 [[nodiscard]] uint64_t orvMuxAobPacks(const AobSource* source, OSFILE aob, AudioTrackDesc* track, AobClock* clock);
-
-/** Packs samples of all channels into units. An odd last sample of a unit of two times is dropped, and so is what does
-    not fit.
-    @param channels  little-endian samples of each channel
-    @return bytes written to `to`, at most room; 0 for an assignment and size that packs do not know */
-[[nodiscard]] uint64_t orvPackSamples(uint64_t assign, uint64_t bits, const uint8_t* const* channels, uint64_t samples,
-                                      uint8_t* to, uint64_t room);

@@ -2,8 +2,6 @@
 
 #include "audio/sample_units.h"
 
-#include "audio/aob_packs.h"
-
 #include <algorithm>
 #include <utility>
 
@@ -41,12 +39,11 @@ static constexpr LayoutPacker PACKERS[] = {
 uint64_t orvPackSamples(uint64_t assign, uint64_t bits, const uint8_t* const* channels, uint64_t samples, uint8_t* to,
                         uint64_t room)
 {
+    const UnitLayout* layout = orvUnitLayout(assign, bits);
+    if (!layout) return 0;
+    const uint64_t units = std::min(samples / layout->times, room / layout->bytes);
     for (const LayoutPacker& packer : PACKERS) {
-        const UnitLayout& layout = *packer.layout;
-        if (layout.assign != assign || layout.sampleBytes * 8 != bits) continue;
-        const uint64_t units = std::min(samples / layout.times, room / layout.bytes);
-        packer.pack(channels, units, to);
-        return units * layout.bytes;
+        if (packer.layout == layout) packer.pack(channels, units, to);
     }
-    return 0;
+    return units * layout->bytes;
 }

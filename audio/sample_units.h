@@ -2,6 +2,8 @@
 // or two times, make a unit; the channels beyond the first group come first.
 #pragma once
 
+#include "project/channel_assignment.h"
+
 #include <cstdint>
 
 inline constexpr uint64_t MOST_UNIT_BYTES = 36;
@@ -77,14 +79,14 @@ constexpr UnitLayout unitLayout(uint64_t assign, uint64_t sampleBytes, uint64_t 
 // ---- the layouts
 // ------------------------------------------------------------------------------------------------------
 
-inline constexpr UnitLayout UNIT_STEREO_16 = unitLayout(1, 2, 1, 2, 0);   // alone of one sample time
-inline constexpr UnitLayout UNIT_STEREO_24 = unitLayout(1, 3, 2, 2, 0);
-inline constexpr UnitLayout UNIT_QUADRO_16 = unitLayout(3, 2, 2, 2, 2);
-inline constexpr UnitLayout UNIT_QUADRO_24 = unitLayout(3, 3, 2, 2, 2);
-inline constexpr UnitLayout UNIT_FIVE_16 = unitLayout(19, 2, 2, 4, 1);
-inline constexpr UnitLayout UNIT_FIVE_24 = unitLayout(19, 3, 2, 4, 1);
-inline constexpr UnitLayout UNIT_SIX_16 = unitLayout(20, 2, 2, 4, 2);
-inline constexpr UnitLayout UNIT_SIX_24 = unitLayout(20, 3, 2, 4, 2);
+inline constexpr UnitLayout UNIT_STEREO_16 = unitLayout(ASSIGN_STEREO, 2, 1, 2, 0);   // alone of one sample time
+inline constexpr UnitLayout UNIT_STEREO_24 = unitLayout(ASSIGN_STEREO, 3, 2, 2, 0);
+inline constexpr UnitLayout UNIT_QUADRO_16 = unitLayout(ASSIGN_QUADRO, 2, 2, 2, 2);
+inline constexpr UnitLayout UNIT_QUADRO_24 = unitLayout(ASSIGN_QUADRO, 3, 2, 2, 2);
+inline constexpr UnitLayout UNIT_FIVE_16 = unitLayout(ASSIGN_FIVE, 2, 2, 4, 1);
+inline constexpr UnitLayout UNIT_FIVE_24 = unitLayout(ASSIGN_FIVE, 3, 2, 4, 1);
+inline constexpr UnitLayout UNIT_SIX_16 = unitLayout(ASSIGN_SIX, 2, 2, 4, 2);
+inline constexpr UnitLayout UNIT_SIX_24 = unitLayout(ASSIGN_SIX, 3, 2, 4, 2);
 static_assert(UNIT_STEREO_16.bytes == 4 && UNIT_STEREO_24.bytes == 12 && UNIT_QUADRO_16.bytes == 16);
 static_assert(UNIT_QUADRO_24.bytes == 24 && UNIT_FIVE_16.bytes == 20 && UNIT_FIVE_24.bytes == 30);
 static_assert(UNIT_SIX_16.bytes == 24 && UNIT_SIX_24.bytes == MOST_UNIT_BYTES);
@@ -101,3 +103,10 @@ inline constexpr const UnitLayout* UNIT_LAYOUTS[] = { &UNIT_STEREO_16, &UNIT_STE
     }
     return nullptr;
 }
+
+/** Packs samples of all channels into units. An odd last sample of a unit of two times is dropped, and so is what does
+    not fit.
+    @param channels  little-endian samples of each channel
+    @return bytes written to `to`, at most room; 0 for an assignment and size that packs do not know */
+[[nodiscard]] uint64_t orvPackSamples(uint64_t assign, uint64_t bits, const uint8_t* const* channels, uint64_t samples,
+                                      uint8_t* to, uint64_t room);

@@ -2,6 +2,7 @@
 
 #include "audio/wave_track.h"
 
+#include "audio/sample_units.h"
 #include "base/bytes.h"
 #include "base/memory.h"
 #include "base/result.h"

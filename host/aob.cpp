@@ -31,18 +31,6 @@ struct AobRun {
 
 // ---- failures -----------------------------------------------------------------------------------------------------
 
-static int reportFault(const fs::path& path, const StreamFault& fault)
-{
-    const std::string name = printablePath(path);
-    if (fault.code) {
-        platformPrintError("error: " + resultLine(fault.code, platformResultText(fault.code)) + "\n  " + name + ": " +
-                           fault.why + "\n" + moreLine(fault.code));
-    } else {
-        platformPrintError("error: " + name + ": " + fault.why + "\n");
-    }
-    return EXIT_RUN_FAILED;
-}
-
 static int reportTrack(size_t number, const TrackFault& found)
 {
     return reportFault(found.path, { found.fault.code, "track " + std::to_string(number) + ": " + found.fault.why });

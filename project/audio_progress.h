@@ -22,7 +22,7 @@ enum AudioProgressKind : uint32_t {
 
 inline constexpr uint64_t PROGRESS_ALL = 100;   // value is percent of the stage
 
-/** Reports value, percent of the stage, to the host. index is the title set of kinds 1 to 3.
+/** Reports value, percent of the stage, to the host. index is the title set of kinds 1 to 3, from 1.
     @return the callback's result: 0 to go on, anything else to cancel */
 [[nodiscard]] uint32_t orvReportAudioProgress(const AudioDiscContext* context, uint32_t kind, uint64_t value,
                                               uint64_t index);

@@ -1,6 +1,5 @@
 // reader.h: the sections of a DVD-Video project file, read into the model. Every reader returns at the first fault,
-// with the fault's code; what a structured value
-// lacks, an unknown resolution and a missing source are logged as well.
+// with the fault's code; what a structured value lacks, an unknown resolution and a missing source are logged as well.
 #pragma once
 
 #include "base/profile.h"

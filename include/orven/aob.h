@@ -24,7 +24,9 @@ typedef struct AobMuxer AobMuxer;
  *   5             19          left front, right front, left surround, right surround, centre
  *   6             20          left front, right front, left surround, right surround, centre, low frequency
  *
- * each with 16 or 24 bits. Other assignments of 0 to 20 give a pack without samples, whatever channelCount is. */
+ * each with 16 or 24 bits. The packs go by channelCount, the order of samples in them by the assignment. Another
+ * assignment of 0 to 20 gives one pack without samples; one of the table with another channelCount of the table gives
+ * the channels that it knows, and zeros or samples of an earlier track for those that were not asked for. */
 typedef struct AobTrackDesc {
     uint32_t channelCount;
     uint32_t assignment;
@@ -47,12 +49,14 @@ typedef uint64_t (*OrvSamples)(uint64_t track, uint8_t* buffer, uint64_t sampleC
 
 /** Makes a handle and ATS_nn_1.AOB, which is written over if it is there.
  *  @param path        the directory, with or without its trailing separator; null: C:\ on Windows, elsewhere the
- *                     current directory
+ *                     current directory. On Windows it is a full path, drive and all: the system would put an
+ *                     ATS_nn.nfo of a relative one into its own folder
  *  @param atsNumber   nn
  *  @param trackCount  1..99
  *  @param tracks      copied
  *  @param out         null after a failure
- *  @return 0; 0x84000C1C for a trackCount out of range; 0x84000057 for a null argument; a number of the platform */
+ *  @return 0; 0x84000057 for a null out; 0x84000C1C for a trackCount out of range; 0x84000057 for null tracks or
+ * samples; 0x88010001 for a path longer than 1023 characters; a number of the platform */
 ORV_API uint64_t aobCreateMuxer(const char* path, uint64_t atsNumber, uint64_t trackCount, const AobTrackDesc* tracks,
                                 OrvSamples samples, uint64_t user, AobMuxer** out);
 ORV_API uint64_t aobCreateMuxerW(const OrvWChar* path, uint64_t atsNumber, uint64_t trackCount,
