@@ -24,7 +24,7 @@ typedef struct AobMuxer AobMuxer;
  *   5             19          left front, right front, left surround, right surround, centre
  *   6             20          left front, right front, left surround, right surround, centre, low frequency
  *
- * each with 16 or 24 bits. Other assignments of 0 to 20 give a pack without samples, whatever channelCount is. */
+ * each with 16 or 24 bits. With any of these counts, other assignments of 0 to 20 give a pack without samples. */
 typedef struct AobTrackDesc {
     uint32_t channelCount;
     uint32_t assignment;
