@@ -10,8 +10,7 @@
 constexpr uint32_t TITLE_CATEGORY = 0x81000000;
 constexpr uint64_t ASSIGNMENT_BITS = 0x1F;
 
-// ---- the tracks
-// ------------------------------------------------------------------------------------------------------
+// ---- the tracks -----------------------------------------------------------------------------------------------------
 
 // Where the parts of a title's table begin, in bytes from its start.
 struct TrackTable {
@@ -82,8 +81,7 @@ uint64_t orvBuildAtsTrackTable(const AudioDiscContext* context, const AudioTitle
     return 0;
 }
 
-// ---- the file
-// --------------------------------------------------------------------------------------------------------
+// ---- the file -------------------------------------------------------------------------------------------------------
 
 /** The table of titles, in whole sectors. */
 static uint64_t buildTitles(const AudioDiscContext* context, const AudioTitleSetDesc* titleSet, uint8_t** block)

@@ -4,6 +4,7 @@
 
 #include "tests/audio/table_run.h"
 #include "tests/support/elementary.h"
+#include "tests/support/log.h"
 #include "tests/support/packs.h"
 
 namespace fs = std::filesystem;
@@ -330,6 +331,64 @@ TEST(Stages, TargetIsAPrefix)
     EXPECT_EQ((Names{ "ATS_01.nfo", "disc_ATS_01_0.BUP", "disc_ATS_01_0.IFO", "disc_AUDIO_PP.IFO", "disc_AUDIO_SV.BUP",
                       "disc_AUDIO_SV.IFO", "disc_AUDIO_TS.BUP", "disc_AUDIO_TS.IFO" }),
               filesOf(run.folder));
+}
+
+// A name that the formatter would have to cut is no name: what can't be made is told as if it could not be opened. All
+// names have twelve characters, of 1023 at most.
+TEST(Stages, TargetThatIsTooLong)
+{
+    struct Stage {
+        const char* what;
+        uint64_t (*author)(TableRun& run, const char16_t* targetPath);
+        uint64_t result;
+        const char16_t* logged;
+    };
+    const auto stills = [](TableRun& run, const char16_t* target) {
+        return CreateStillManager(run.context.get(), target);
+    };
+    const auto manager = [](TableRun& run, const char16_t* target) {
+        return CreateAudioManager(run.context.get(), target);
+    };
+    const Stage stages[] = {
+        { "a still",
+          [](TableRun& run, const char16_t* target) {
+              run.addStill();
+              return CreateStillManager(run.context.get(), target);
+          },
+          0x840007D3, u"Failed to open file in <CreateStillManager>: " },
+        { "no stills", stills, 0x8400178B, nullptr },
+        { "sound",
+          [](TableRun& run, const char16_t* target) { return CreateAudioTitleSet(run.context.get(), 1, target); },
+          0x84001784, nullptr },
+        { "finished sound",
+          [](TableRun& run, const char16_t* target) {
+              run.titleSet(1).isNfo = 1;
+              return CreateAudioTitleSet(run.context.get(), 1, target);
+          },
+          0x8400177F, nullptr },
+        { "a menu",
+          [](TableRun& run, const char16_t* target) {
+              run.context->amgMenuCount = 1;
+              return CreateAudioManager(run.context.get(), target);
+          },
+          0x840007D3, u"Failed to open file in <CreateAudioManager>: " },
+        { "no menus", manager, 0x840007D5, nullptr },
+        { "AUDIO_PP.IFO",
+          [](TableRun& run, const char16_t* target) { return orvCreateAudioPp(run.context.get(), target); }, 0x8400177D,
+          nullptr },
+    };
+    for (const Stage& stage : stages) {
+        for (const uint64_t characters : { 1012u, 1013u, 5000u }) {
+            TableRun run(STANDARD_PAL, { { {} } });
+            std::u16string target = run.folder.prefix();
+            target.resize(characters, u'x');
+            EXPECT_EQ(stage.result, stage.author(run, target.c_str())) << stage.what << ", " << characters;
+            std::vector<LogEntry> log;
+            if (stage.logged) log.push_back({ stage.result, stage.logged + target });
+            EXPECT_TRUE(logHolds(run.logPath, log)) << stage.what << ", " << characters;
+            EXPECT_EQ(stage.logged ? 1u : 0u, filesOf(run.folder).size()) << stage.what;
+        }
+    }
 }
 
 // The sectors of the tables before go into AUDIO_PP.IFO.

@@ -458,6 +458,9 @@ TEST(WaveTrack, WaitsForTheDecoder)
     }
     // 24 frames were decoded before the sixth pack: 5 x 1984 - 24 x 160, and one more pack.
     EXPECT_EQ(run.clock.framesDecoded, 24u);
+    // The last wait but one began at 23 frames, at 1725 ticks, and led a pack's time on; the last one another, and the
+    // jump.
+    EXPECT_EQ(run.clock.clock, 5'175'000'000u + 2 * 438'857'143u + 9'223'372'036'854'775'807u);
     EXPECT_EQ(run.clock.bufferFill, 6 * 1984u - 24 * 160);
     EXPECT_EQ(run.tracks.back(), (ModelWaveResult{ 4650, 1, 2444 }));
 }
