@@ -164,7 +164,8 @@ static int reportStop(AobRun* run, uint64_t code)
     if (run->feed.fault) return reportTrack(run->feed.track + 1, run->feed.fault);
     // Of the system's own numbers only those come up that tell of the list of the tracks.
     if (isPlatformCode(code)) return reportFault(run->info, { code, "the file can't be written" });
-    return reportFault(run->aob, { code, "the file can't be written" });
+    const bool disk = code == CODE_AOB_NOT_WRITTEN;
+    return reportFault(run->aob, { code, disk ? "the file can't be written" : "the tracks can't be laid" });
 }
 
 /** Numbers of an earlier sound are void as soon as that is written over. */

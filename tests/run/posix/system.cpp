@@ -4,17 +4,18 @@
 #include <csignal>
 #include <cstdarg>
 #include <fcntl.h>
+#include <string_view>
 #include <sys/resource.h>
 #include <sys/statvfs.h>
 
 SystemAnswers systemAnswers;
 
-static bool isUnit(const std::string& path)
+static bool isUnit(std::string_view path)
 {
     return path.substr(path.rfind('/') + 1).starts_with("spu");
 }
 
-static bool isMeant(const std::string& path)
+static bool isMeant(std::string_view path)   // takes no memory: tests count it
 {
     if (systemAnswers.vanishingUnits || systemAnswers.unreadableUnits) return isUnit(path);
     return !systemAnswers.vanishing.empty() && path.ends_with(systemAnswers.vanishing);
