@@ -112,8 +112,8 @@ ModelWave randomWave(Dice& dice)
     const uint64_t trailer = dice.oneIn(3) ? 2 * dice.below(20) : 0;
     const uint64_t extra = dice.from({ 0, 0, 2, 24 }), list = dice.below(40);
     for (uint64_t i = 0; i < (oneFile ? 1 : format.channels); i++) {
-        WaveSpec recipe = { .samples = pcmBytes(makeChannels(oneFile ? 2 : 1, 24, samples, uint32_t(dice.source())),
-                                                format.bits) };
+        WaveFileSpec recipe = { .samples = pcmBytes(makeChannels(oneFile ? 2 : 1, 24, samples, uint32_t(dice.source())),
+                                                    format.bits) };
         recipe.formatExtra.resize(extra);
         if (list > 20) recipe.before.push_back({ "LIST", Bytes(list & ~uint64_t(1), 'x') });
         if (trailer) recipe.behind.push_back({ "LIST", Bytes(trailer, 'y') });

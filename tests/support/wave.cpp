@@ -49,7 +49,7 @@ Bytes pcmBytes(const Channels& channels, uint64_t bits)
     return out;
 }
 
-Bytes waveFile(const WaveSpec& recipe)
+Bytes waveFile(const WaveFileSpec& recipe)
 {
     const uint64_t blockBytes = recipe.channels * recipe.bits / 8;
     Bytes format = little(1, 2) + little(recipe.channels, 2);

@@ -24,7 +24,7 @@ struct WaveChunk {
     std::optional<uint32_t> size = {};   // written in place of the true one
 };
 
-struct WaveSpec {
+struct WaveFileSpec {
     uint64_t channels = 2, bits = 16, rate = 48000;
     Bytes samples = {};
     Bytes formatExtra = {};               // behind the sixteen bytes of the format
@@ -33,6 +33,6 @@ struct WaveSpec {
 };
 
 /** A file: RIFF, WAVE, format, chunks, data, chunks. */
-Bytes waveFile(const WaveSpec& recipe);
+Bytes waveFile(const WaveFileSpec& recipe);
 /** One of these channels, without further chunks. */
 Bytes waveFile(const Channels& channels, uint64_t bits, uint64_t rate = 48000);
