@@ -63,7 +63,8 @@ struct ExtractLayout {
     ExtractOutput pairs[3], singles[6];
 };
 
-/** The layout of an assignment. *known is false, and the layout that of two channels, for one that can't be extracted. */
+/** The layout of an assignment. *known is false, and the layout that of two channels, for one that can't be extracted.
+ */
 [[nodiscard]] const ExtractLayout* orvExtractLayout(uint64_t assign, bool* known);
 
 /** Takes the samples of a pack apart and appends them to the files of a track. What is left of a pack behind its last

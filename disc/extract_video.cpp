@@ -70,9 +70,8 @@ static uint64_t readVts(const Ifo* vts, TitleTables* tables)
     const uint64_t chain = chains + orvGet32(vts->block + chains + FIRST_PGC_AT);
     if (!holds(vts, chain, PGC_HEADER_BYTES)) return ORV_EXTRACT_NO_VTS;
     tables->cellPlayback = chain + orvGet(vts->block + chain, PGC_CELL_PLAYBACK_AT);
-    const bool whole =
-        holds(vts, tables->cellAddresses, TABLE_HEADER_BYTES + tables->tracks * CELL_ADDRESS_BYTES) &&
-        holds(vts, tables->cellPlayback, tables->tracks * CELL_PLAYBACK_BYTES);
+    const bool whole = holds(vts, tables->cellAddresses, TABLE_HEADER_BYTES + tables->tracks * CELL_ADDRESS_BYTES) &&
+                       holds(vts, tables->cellPlayback, tables->tracks * CELL_PLAYBACK_BYTES);
     return whole ? 0 : ORV_EXTRACT_NO_VTS;
 }
 
