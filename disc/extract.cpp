@@ -7,6 +7,7 @@
 #include "disc/extract_types.h"
 
 #include <algorithm>
+#include <iterator>
 
 // ---- context
 // ---------------------------------------------------------------------------------------------------------

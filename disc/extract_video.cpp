@@ -68,9 +68,9 @@ static uint64_t readVts(const Ifo* vts, TitleTables* tables)
     tables->cellAddresses = uint64_t(orvGet(vts->block, VTS_C_ADT_AT)) << SECTOR_SHIFT;
     if (!holds(vts, chains, FIRST_PGC_AT + 4)) return ORV_EXTRACT_NO_VTS;
     const uint64_t chain = chains + orvGet32(vts->block + chains + FIRST_PGC_AT);
-    if (!holds(vts, chain, PGC_HEADER_BYTES)) return ORV_EXTRACT_NO_VTS;
-    tables->cellPlayback = chain + orvGet(vts->block + chain, PGC_CELL_PLAYBACK_AT);
-    const bool whole = holds(vts, tables->cellAddresses, TABLE_HEADER_BYTES + tables->tracks * CELL_ADDRESS_BYTES) &&
+    if (!holds(vts, chain, PGC_BYTES)) return ORV_EXTRACT_NO_VTS;
+    tables->cellPlayback = chain + orvGet(vts->block + chain, PGC_CELL_PLAYBACK);
+    const bool whole = holds(vts, tables->cellAddresses, TABLE_HEADER_BYTES + tables->tracks * ADT_BYTES) &&
                        holds(vts, tables->cellPlayback, tables->tracks * CELL_PLAYBACK_BYTES);
     return whole ? 0 : ORV_EXTRACT_NO_VTS;
 }
@@ -90,13 +90,13 @@ static void readTracks(ExtractContext* context, const Ifo* vts, const TitleTable
     context->trackCount = tables->tracks;
     for (uint64_t i = 0; i < tables->tracks; i++) {
         ExtractTrack* track = &context->tracks[i];
-        const uint8_t* address = vts->block + tables->cellAddresses + TABLE_HEADER_BYTES + i * CELL_ADDRESS_BYTES;
+        const uint8_t* address = vts->block + tables->cellAddresses + TABLE_HEADER_BYTES + i * ADT_BYTES;
         const uint8_t* playback = vts->block + tables->cellPlayback + i * CELL_PLAYBACK_BYTES;
         DvdTimeCode time = {};
         osCopyMem(time.bytes, playback + CELL_TIME.at, sizeof(time.bytes));
         readAudio(tables->audio, track);
-        track->firstSector = orvGet(address, CELL_ADDRESS_FIRST);
-        track->lastSector = orvGet(address, CELL_ADDRESS_LAST);
+        track->firstSector = orvGet(address, ADT_START);
+        track->lastSector = orvGet(address, ADT_LAST);
         track->playTime = uint32_t(orvTimeToSeconds(time) * TICKS_PER_SECOND);
         if (info) info(track, i, user);
     }

@@ -13,7 +13,7 @@
 #include <orven/disc.h>
 
 constexpr uint64_t CHAPTER_ROOM = 254;   // one less than a title set may have
-constexpr uint64_t NAME_ROOM = 32;   // characters of a section's or a key's name
+constexpr uint64_t NAME_ROOM = 32;       // characters of a section's or a key's name
 
 // Positions of the chapters, in ticks, in the order of the keys.
 struct ChapterList {

@@ -50,7 +50,7 @@ ORV_API uint64_t d2wCreateContextW(const OrvWChar* sourcePath, const OrvWChar* d
  *  @param info           may be null
  *  @return 0; 0x84001B5B (7003) if there is neither; 0x84001B5C (7004) if AUDIO_PP.IFO can't be read, 0x84001B5D (7005)
  *          if it is none or has more than 99 tracks; 0x84001B5E (7006) for a track that is packed losslessly, those
- *          before it being told; 0x84001B5F (7007) if a sound file is missing or too short for its tracks; 0x84001B64
+ *          before it being told; 0x84001B5F (7007) if no file with sound can be opened; 0x84001B64
  * to 0x84001B68 for the IFO files of DVD-Video, the last for sound that is not LPCM; 0x84000057 if context is null, or
  * open already; a number of the platform */
 ORV_API uint64_t d2wOpenDisc(ExtractContext* context, uint64_t* outTrackCount, OrvTrackInfo info, uint64_t user);
