@@ -56,6 +56,10 @@ extern "C" uint64_t d2wCreateContext(const char* sourcePath, const char* destPat
 extern "C" uint64_t d2wReleaseContext(ExtractContext* context)
 {
     if (!context) return ORV_INVALID_ARGUMENT;
+    if (context->extracting) {
+        context->released = true;   // an extraction is under way on this very thread; it takes notice and finishes this
+        return 0;
+    }
     for (OSFILE& file : context->files) (void)osCloseFile(&file);
     for (OSFILE& file : context->tableFiles) (void)osCloseFile(&file);
     (void)osStrFree(&context->sourcePath);
@@ -217,6 +221,7 @@ static uint64_t copySectors(const ExtractContext* context, const ExtractTrack* t
             return error;
         }
         tell(listener, sector - track->firstSector, to->layout->text);
+        if (context->released) return ORV_CANCELED;
     }
     return 0;
 }
@@ -254,7 +259,12 @@ extern "C" uint64_t d2wExtractTrackW(ExtractContext* context, uint64_t track, ui
     const uint64_t total =
         found->lastSector >= found->firstSector ? uint64_t(found->lastSector) - found->firstSector + 1 : 0;
     ExtractListener listener = { progress, user, track, total };
-    return extractTrack(context, track, stereoPairs != 0, &listener);
+    const bool within = context->extracting;   // a callback may extract too
+    context->extracting = true;
+    const uint64_t result = extractTrack(context, track, stereoPairs != 0, &listener);
+    context->extracting = within;
+    if (context->released && !within) (void)d2wReleaseContext(context);
+    return result;
 }
 
 // The narrow callback behind a wide one.

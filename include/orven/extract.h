@@ -27,7 +27,8 @@ typedef struct ExtractTrack {
 /** Told of each track that is found. The record lives until it returns. @param index  from 0 */
 typedef void (*OrvTrackInfo)(const ExtractTrack* track, uint64_t index, uint64_t user);
 
-/** Progress of an extraction. The last call of a track has done equal to total.
+/** Progress of an extraction. The last call of a track has done equal to total. From within a call d2wReleaseContext
+ *  ends the extraction.
  *  @param track  from 0
  *  @param text   what is being done, for people; lives until it returns */
 typedef void (*OrvExtractProgress)(uint64_t track, uint64_t totalSectors, uint64_t doneSectors, const char* text,
@@ -69,14 +70,15 @@ ORV_API uint64_t d2wInitContext(ExtractContext* context, uint64_t* outTrackCount
  *  @param progress     may be null
  *  @return 0; 0x84001B62 (7010) for a track past the last; 0x84001B61 (7009) if a file can't be made; 0x84001B63 (7011)
  *          for a channel assignment that can't be extracted; 0x84001B5F (7007) and 0x84001B60 (7008) if a sector can't
- *          be read or is no pack; 0x84001B69 for a context that is not open; 0x84000057 for a null context; a number of
- *          the platform */
+ *          be read or is no pack; 0x84001B69 for a context that is not open; 0x8400040A (1034) if progress has released
+ *          the context, which is gone then; 0x84000057 for a null context; a number of the platform */
 ORV_API uint64_t d2wExtractTrack(ExtractContext* context, uint64_t track, uint64_t stereoPairs,
                                  OrvExtractProgress progress, uint64_t user);
 ORV_API uint64_t d2wExtractTrackW(ExtractContext* context, uint64_t track, uint64_t stereoPairs,
                                   OrvExtractProgressW progress, uint64_t user);
 
-/** Closes the disc and releases the context. @return 0; 0x84000057 if context is null */
+/** Closes the disc and releases the context. Called from progress, it lets the extraction end at the next sector, and
+ *  the context goes when d2wExtractTrack returns. @return 0; 0x84000057 if context is null */
 ORV_API uint64_t d2wReleaseContext(ExtractContext* context);
 
 ORV_END_DECLS
