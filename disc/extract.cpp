@@ -9,8 +9,7 @@
 #include <algorithm>
 #include <iterator>
 
-// ---- context
-// ---------------------------------------------------------------------------------------------------------
+// ---- context -------------------------------------------------------------------------------------------------------
 
 static uint64_t setPaths(ExtractContext* context, const char16_t* sourcePath, const char16_t* destPath)
 {
@@ -53,6 +52,11 @@ extern "C" uint64_t d2wCreateContext(const char* sourcePath, const char* destPat
     return result;
 }
 
+static void closeSound(ExtractContext* context)
+{
+    for (OSFILE& file : context->files) (void)osCloseFile(&file);
+}
+
 extern "C" uint64_t d2wReleaseContext(ExtractContext* context)
 {
     if (!context) return ORV_INVALID_ARGUMENT;
@@ -60,7 +64,7 @@ extern "C" uint64_t d2wReleaseContext(ExtractContext* context)
         context->released = true;   // an extraction is under way on this very thread; it takes notice and finishes this
         return 0;
     }
-    for (OSFILE& file : context->files) (void)osCloseFile(&file);
+    closeSound(context);
     for (OSFILE& file : context->tableFiles) (void)osCloseFile(&file);
     (void)osStrFree(&context->sourcePath);
     (void)osStrFree(&context->destPath);
@@ -68,8 +72,7 @@ extern "C" uint64_t d2wReleaseContext(ExtractContext* context)
     return 0;
 }
 
-// ---- finding the disc
-// ------------------------------------------------------------------------------------------------
+// ---- finding the disc ----------------------------------------------------------------------------------------------
 
 // The files by which a disc is known.
 struct TableFiles {
@@ -111,7 +114,7 @@ static void keepOpen(ExtractContext* context, TableFiles* tables)
 // Test: ExtractInit.BranchesAreCrossed
 extern "C" uint64_t d2wInitContext(ExtractContext* context, uint64_t* outTrackCount, OrvTrackInfo info, uint64_t user)
 {
-    if (!context) return ORV_INVALID_ARGUMENT;
+    if (!context || context->opened) return ORV_INVALID_ARGUMENT;
     for (OSFILE& file : context->tableFiles) (void)osCloseFile(&file);   // of a call before
     TableFiles tables = openTables(context);
     uint64_t result = 0;
@@ -144,20 +147,30 @@ static uint64_t readDisc(ExtractContext* context, const TableFiles* tables, OrvT
     return tables->samg ? ORV_AOB_NOT_READ : ORV_NO_SAMG;
 }
 
+/** After a failure: as if nothing had been opened. */
+static void forgetDisc(ExtractContext* context)
+{
+    closeSound(context);
+    context->opened = false;
+    context->sourceKind = SOURCE_NONE;
+    context->trackCount = context->fileCount = 0;
+    std::fill(std::begin(context->tracks), std::end(context->tracks), ExtractTrack());
+}
+
 extern "C" uint64_t d2wOpenDisc(ExtractContext* context, uint64_t* outTrackCount, OrvTrackInfo info, uint64_t user)
 {
     if (!context || context->sourceKind != SOURCE_NONE) return ORV_INVALID_ARGUMENT;
     context->opened = true;
     TableFiles tables = openTables(context);
-    const uint64_t result = readDisc(context, &tables, info, user);
+    uint64_t result = readDisc(context, &tables, info, user);
     closeTables(&tables);
+    if (!result && context->fileCount == 0) result = ORV_AOB_NOT_READ;
     if (outTrackCount) *outTrackCount = context->trackCount;
-    if (!result && context->fileCount == 0) return ORV_AOB_NOT_READ;
+    if (result) forgetDisc(context);
     return result;
 }
 
-// ---- a track
-// ---------------------------------------------------------------------------------------------------------
+// ---- a track -------------------------------------------------------------------------------------------------------
 
 // The files of a track being written.
 struct TrackOutputs {

@@ -9,8 +9,7 @@
 
 #include <algorithm>
 
-// ---- files
-// -----------------------------------------------------------------------------------------------------------
+// ---- files -------------------------------------------------------------------------------------------------------
 
 static uint64_t openPart(const ExtractContext* context, const char16_t* format, uint64_t number, OSFILE* file)
 {
@@ -54,8 +53,7 @@ static uint64_t readSector(const ExtractContext* context, uint64_t sector, uint8
     return orvGet32(buffer) == PACK_START_CODE ? 0 : ORV_WRONG_AOB_PACK;
 }
 
-// ---- samples
-// ---------------------------------------------------------------------------------------------------------
+// ---- samples -----------------------------------------------------------------------------------------------------
 
 // A piece of a pack. A length that wrapped or leads outside the pack is cut at the pack's end.
 struct PackPiece {
@@ -73,12 +71,17 @@ static uint32_t wordAt(const uint8_t* pack, uint64_t at)
     return uint32_t(byteAt(pack, at)) << 8 | byteAt(pack, at + 1);
 }
 
+/** Bytes of stuffing behind the pack header; the last pack of a track may have some. Only an opened disc is read so. */
+static uint64_t stuffingOf(const ExtractContext* context, const uint8_t* pack)
+{
+    constexpr uint8_t STUFFING_BITS = 0x07;
+    return context->opened ? pack[PACK_STUFFING.at] & STUFFING_BITS : 0;
+}
+
 static PackPiece audioPiece(const ExtractContext* context, const uint8_t* pack)
 {
     constexpr uint64_t STREAM_ID_AT = 3;   // in a packet
-    constexpr uint8_t STUFFING_BITS = 0x07;
-    // The last pack of a track may have stuffing behind its header; only an opened disc is read with it.
-    const uint64_t begin = PACK_HEADER_BYTES + (context->opened ? pack[PACK_STUFFING.at] & STUFFING_BITS : 0);
+    const uint64_t begin = PACK_HEADER_BYTES + stuffingOf(context, pack);
     uint64_t at = begin;
     if (byteAt(pack, at + STREAM_ID_AT) == STREAM_SYSTEM_HEADER) {
         at += wordAt(pack, begin + AOB_PES_LENGTH.at) + PACKET_HEAD_BYTES;
@@ -95,16 +98,18 @@ static PackPiece audioPiece(const ExtractContext* context, const uint8_t* pack)
     return piece;
 }
 
-static PackPiece videoPiece(const uint8_t* pack)
+static PackPiece videoPiece(const ExtractContext* context, const uint8_t* pack)
 {
     constexpr uint64_t LPCM_HEADER = 7;   // sub-stream header in front of the samples
-    if (pack[PACK_PACKET_PREFIX.at] != START_CODE_PREFIX || pack[PACK_STREAM_ID.at] != STREAM_PRIVATE_1) {
+    const uint64_t moved = stuffingOf(context, pack);
+    if (pack[moved + PACK_PACKET_PREFIX.at] != START_CODE_PREFIX ||
+        pack[moved + PACK_STREAM_ID.at] != STREAM_PRIVATE_1) {
         return { 0, 0 };
     }
-    const uint64_t headerData = pack[PACK_PES_HEADER.at];
-    const uint64_t at = headerData + PES_DATA;
+    const uint64_t headerData = pack[moved + PACK_PES_HEADER.at];
+    const uint64_t at = moved + headerData + PES_DATA;
     if (byteAt(pack, at) != SUB_STREAM_LPCM) return { 0, 0 };
-    return { at + LPCM_HEADER, int64_t(orvGet(pack, PACK_PES_LENGTH)) - int64_t(headerData) - 10 };
+    return { at + LPCM_HEADER, int64_t(orvGet(pack + moved, PACK_PES_LENGTH)) - int64_t(headerData) - 10 };
 }
 
 uint64_t orvReadExtractPack(const ExtractContext* context, uint64_t sector, uint8_t* buffer, const uint8_t** data,
@@ -113,7 +118,8 @@ uint64_t orvReadExtractPack(const ExtractContext* context, uint64_t sector, uint
     *data = buffer;
     *length = 0;
     if (uint64_t error = readSector(context, sector, buffer)) return error;
-    const PackPiece piece = context->sourceKind == SOURCE_AUDIO ? audioPiece(context, buffer) : videoPiece(buffer);
+    const PackPiece piece =
+        context->sourceKind == SOURCE_AUDIO ? audioPiece(context, buffer) : videoPiece(context, buffer);
     if (piece.length <= 0 || piece.at >= SECTOR_BYTES) return 0;
     *data = buffer + piece.at;
     *length = std::min(uint64_t(piece.length), SECTOR_BYTES - piece.at);

@@ -51,15 +51,17 @@ ORV_API uint64_t d2wCreateContextW(const OrvWChar* sourcePath, const OrvWChar* d
  *  @param info           may be null
  *  @return 0; 0x84001B5B (7003) if there is neither; 0x84001B5C (7004) if AUDIO_PP.IFO can't be read, 0x84001B5D (7005)
  *          if it is none or has more than 99 tracks; 0x84001B5E (7006) for a track that is packed losslessly, those
- *          before it being told; 0x84001B5F (7007) if no file with sound can be opened; 0x84001B64
- * to 0x84001B68 for the IFO files of DVD-Video, the last for sound that is not LPCM; 0x84000057 if context is null, or
- * open already; a number of the platform */
+ *          before it being told; 0x84001B5F (7007) if no file with sound can be opened; 0x84001B64 to 0x84001B68 for
+ *          the IFO files of DVD-Video, the last for sound that is not LPCM, 0x84001B66 for more than 99 chapters too;
+ *          0x84000057 if context is null, or open already; a number of the platform. After a failure nothing is open,
+ *          and the context may be tried again */
 ORV_API uint64_t d2wOpenDisc(ExtractContext* context, uint64_t* outTrackCount, OrvTrackInfo info, uint64_t user);
 
 /** Looks for a disc in its own way: with AUDIO_PP.IFO alone it reads the tables of DVD-Video, with the two IFO files of
  *  DVD-Video alone those of DVD-Audio, and with all three nothing. So it never succeeds in reading a disc, which stays
  *  so; use d2wOpenDisc.
- *  @return 0 if it read nothing; 0x84001B5B (7003); 0x84001B5C (7004); 0x84001B64 */
+ *  @return 0 if it read nothing; 0x84001B5B (7003); 0x84001B5C (7004); 0x84001B64; 0x84000057 if context is null, or
+ *          open by d2wOpenDisc */
 ORV_API uint64_t d2wInitContext(ExtractContext* context, uint64_t* outTrackCount, OrvTrackInfo info, uint64_t user);
 
 /** Extracts a track into trackNNN_*.wav, NNN from 001, which are written over if they are there: lf, rf, ls, rs, c and
