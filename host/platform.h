@@ -25,6 +25,10 @@ uint64_t platformPreview(const std::filesystem::path& project, OrvMenuPreviewCal
 uint64_t platformAddFileStream(MuxContext* handle, const std::filesystem::path& path, uint64_t flags,
                                MuxStream** stream);
 
+/** A context for the extraction of tracks. out need not be there yet. */
+uint64_t platformCreateExtract(const std::filesystem::path& disc, const std::filesystem::path& out,
+                               ExtractContext** context);
+
 /** Text of a result in UTF-8; empty if it has none. */
 std::string platformResultText(uint64_t code);
 

@@ -33,6 +33,20 @@ uint64_t platformPreview(const std::filesystem::path& project, OrvMenuPreviewCal
     return PreviewMenus(project.c_str(), preview, user, log.empty() ? nullptr : log.c_str());
 }
 
+// The library takes names as UTF-8 alone, and a \ as /.
+static bool isTaken(const std::filesystem::path& path)
+{
+    return utf8Of(wideOf(path.string())) == path.string() && path.string().find('\\') == std::string::npos;
+}
+
+uint64_t platformCreateExtract(const std::filesystem::path& disc, const std::filesystem::path& out,
+                               ExtractContext** context)
+{
+    *context = nullptr;
+    if (!isTaken(disc) || !isTaken(out)) return EILSEQ;
+    return d2wCreateContext(disc.c_str(), out.c_str(), context);
+}
+
 std::string platformResultText(uint64_t code)
 {
     char text[1024] = {};

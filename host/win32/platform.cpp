@@ -35,6 +35,12 @@ uint64_t platformPreview(const std::filesystem::path& project, OrvMenuPreviewCal
     return PreviewMenusW(project.c_str(), preview, user, log.empty() ? nullptr : log.c_str());
 }
 
+uint64_t platformCreateExtract(const std::filesystem::path& disc, const std::filesystem::path& out,
+                               ExtractContext** context)
+{
+    return d2wCreateContextW(disc.c_str(), out.c_str(), context);
+}
+
 std::string platformResultText(uint64_t code)
 {
     wchar_t text[1024] = {};
