@@ -22,6 +22,12 @@ static uint64_t setPaths(ExtractContext* context, const char16_t* sourcePath, co
     return osAddBackslash(&context->destPath);
 }
 
+/** Memory that is short has one code here, whatever it was for. */
+static uint64_t creationFault(uint64_t error)
+{
+    return error == OS_OUT_OF_MEMORY ? ORV_NO_CONTEXT : error;
+}
+
 extern "C" uint64_t d2wCreateContextW(const OrvWChar* sourcePath, const OrvWChar* destPath, ExtractContext** out)
 {
     if (!out) return ORV_INVALID_ARGUMENT;
@@ -31,7 +37,7 @@ extern "C" uint64_t d2wCreateContextW(const OrvWChar* sourcePath, const OrvWChar
     if (osAllocMem(sizeof(ExtractContext), &context)) return ORV_NO_CONTEXT;
     if (uint64_t error = setPaths(context, orvText(sourcePath), orvText(destPath))) {
         (void)d2wReleaseContext(context);
-        return error;
+        return creationFault(error);
     }
     *out = context;
     return 0;
@@ -49,7 +55,7 @@ extern "C" uint64_t d2wCreateContext(const char* sourcePath, const char* destPat
     if (!result) result = d2wCreateContextW(orvHostText(source), orvHostText(dest), out);
     (void)osStrFree(&source);
     (void)osStrFree(&dest);
-    return result;
+    return creationFault(result);
 }
 
 static void closeSound(ExtractContext* context)
@@ -79,20 +85,21 @@ struct TableFiles {
     OSFILE samg, vmg, vts;
 };
 
-static OSFILE openTable(const ExtractContext* context, const char16_t* format)
+/** *file stays 0 where there is none that can be opened. */
+static uint64_t openTable(const ExtractContext* context, const char16_t* format, OSFILE* file)
 {
     char16_t* path = nullptr;
-    OSFILE file = 0;
-    if (osFormPath(&path, format, context->sourcePath)) return 0;
-    (void)osOpenFile(path, OS_READ, &file);   // null where it can't be opened
+    const uint64_t result = osFormPath(&path, format, context->sourcePath);
+    if (!result) (void)osOpenFile(path, OS_READ, file);
     (void)osStrFree(&path);
-    return file;
+    return result == OS_OUT_OF_MEMORY ? result : 0;
 }
 
-static TableFiles openTables(const ExtractContext* context)
+static uint64_t openTables(const ExtractContext* context, TableFiles* tables)
 {
-    return { openTable(context, u"%sAUDIO_PP.IFO"), openTable(context, u"%sVIDEO_TS.IFO"),
-             openTable(context, u"%sVTS_01_0.IFO") };
+    if (uint64_t error = openTable(context, u"%sAUDIO_PP.IFO", &tables->samg)) return error;
+    if (uint64_t error = openTable(context, u"%sVIDEO_TS.IFO", &tables->vmg)) return error;
+    return openTable(context, u"%sVTS_01_0.IFO", &tables->vts);
 }
 
 static void closeTables(TableFiles* tables)
@@ -116,8 +123,12 @@ extern "C" uint64_t d2wInitContext(ExtractContext* context, uint64_t* outTrackCo
 {
     if (!context || context->opened) return ORV_INVALID_ARGUMENT;
     for (OSFILE& file : context->tableFiles) (void)osCloseFile(&file);   // of a call before
-    TableFiles tables = openTables(context);
-    uint64_t result = 0;
+    TableFiles tables = {};
+    uint64_t result = openTables(context, &tables);
+    if (result) {
+        closeTables(&tables);
+        return result;
+    }
     if (tables.samg && (tables.vmg || tables.vts)) {
         keepOpen(context, &tables);
         return 0;
@@ -139,10 +150,11 @@ extern "C" uint64_t d2wInitContext(ExtractContext* context, uint64_t* outTrackCo
 
 static uint64_t readDisc(ExtractContext* context, const TableFiles* tables, OrvTrackInfo info, uint64_t user)
 {
-    const OSFILE aob = openTable(context, u"%sATS_01_1.AOB");
-    OSFILE probe = aob;
-    (void)osCloseFile(&probe);
-    if (tables->samg && aob) return orvReadAudioTables(context, tables->samg, info, user);
+    OSFILE aob = 0;
+    if (uint64_t error = openTable(context, u"%sATS_01_1.AOB", &aob)) return error;
+    const bool hasAob = aob != 0;
+    (void)osCloseFile(&aob);
+    if (tables->samg && hasAob) return orvReadAudioTables(context, tables->samg, info, user);
     if (tables->vmg && tables->vts) return orvReadVideoTables(context, tables->vmg, tables->vts, info, user);
     return tables->samg ? ORV_AOB_NOT_READ : ORV_NO_SAMG;
 }
@@ -161,8 +173,9 @@ extern "C" uint64_t d2wOpenDisc(ExtractContext* context, uint64_t* outTrackCount
 {
     if (!context || context->sourceKind != SOURCE_NONE) return ORV_INVALID_ARGUMENT;
     context->opened = true;
-    TableFiles tables = openTables(context);
-    uint64_t result = readDisc(context, &tables, info, user);
+    TableFiles tables = {};
+    uint64_t result = openTables(context, &tables);
+    if (!result) result = readDisc(context, &tables, info, user);
     closeTables(&tables);
     if (!result && context->fileCount == 0) result = ORV_AOB_NOT_READ;
     if (outTrackCount) *outTrackCount = context->trackCount;

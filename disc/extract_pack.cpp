@@ -11,22 +11,29 @@
 
 // ---- files -------------------------------------------------------------------------------------------------------
 
+/** *file stays 0 for a part that is missing. One that is there but can't be opened counts as missing too, but for an
+    opened disc, where the parts behind it would be taken for it. */
 static uint64_t openPart(const ExtractContext* context, const char16_t* format, uint64_t number, OSFILE* file)
 {
     char16_t* path = nullptr;
-    const uint64_t result = osFormPath(&path, format, context->sourcePath, number);
-    if (!result) (void)osOpenFile(path, OS_READ, file);   // one that is missing counts as empty
+    uint64_t result = osFormPath(&path, format, context->sourcePath, number);
+    const bool formed = !result;
+    if (formed) result = osOpenFile(path, OS_READ, file);
+    const bool there = formed && context->opened && osGetFileInfo(path, nullptr, nullptr) == 0;
     (void)osStrFree(&path);
-    return result == OS_OUT_OF_MEMORY ? result : 0;
+    return there || result == OS_OUT_OF_MEMORY ? result : 0;
 }
 
 uint64_t orvOpenExtractFiles(ExtractContext* context, const char16_t* format)
 {
     uint64_t bytes = 0;
+    bool ended = false;   // an opened disc has no part behind one that is missing
     for (uint64_t part = 0; part < MAX_EXTRACT_FILES; part++) {
         OSFILE* file = &context->files[part];
-        if (uint64_t error = openPart(context, format, part + 1, file)) return error;
         context->fileFirstSector[part] = bytes >> SECTOR_SHIFT;
+        if (ended) continue;
+        if (uint64_t error = openPart(context, format, part + 1, file)) return error;
+        ended = context->opened && !*file;
         if (!*file) continue;
         context->fileCount++;
         uint64_t size = 0;
