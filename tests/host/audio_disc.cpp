@@ -89,12 +89,20 @@ static std::string projectOf(const fs::path& folder, const std::vector<AudioTrac
     return text;
 }
 
+/** UTF-16 with its mark, the only form in which Windows takes paths of any language. */
+static Bytes wideText(const std::string& text)
+{
+    Bytes bytes = { 0xFF, 0xFE };
+    for (const char16_t unit : toWide(text)) bytes.insert(bytes.end(), { uint8_t(unit), uint8_t(unit >> 8) });
+    return bytes;
+}
+
 void makeAudioDisc(const fs::path& folder, const std::vector<AudioTrackSpec>& tracks)
 {
     fs::create_directories(folder);
     ASSERT_NO_FATAL_FAILURE(makeAob(folder, tracks));
     const TempDir work;
-    writeFile(work / u"p.ini", std::string_view(projectOf(folder, tracks)));
+    writeFile(work / u"p.ini", wideText(projectOf(folder, tracks)));
     const std::u16string target = (folder / "").u16string(), project = work / u"p.ini", log = work / u"log";
     ASSERT_EQ(ParseAudioDescW(orvHostText(project.c_str()), orvHostText(target.c_str()), nullptr, nullptr, 0,
                               orvHostText(log.c_str())),
