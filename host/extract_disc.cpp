@@ -98,11 +98,28 @@ static ExtractFault losslessFault(const DiscFolder& disc, uint64_t tracks)
                  (video ? ". The VIDEO_TS folder beside it may hold the sound as LPCM" : "") };
 }
 
+/** The first file of the disc that is there and can't be read. @return why; empty if there is none */
+static std::string unreadableWhy(const DiscFolder& disc, fs::path* file)
+{
+    std::vector<fs::path> files;
+    for (const char* table : TABLES) files.push_back(disc.folder / table);
+    files.insert(files.end(), disc.parts.begin(), disc.parts.end());
+    for (const fs::path& each : files) {
+        const std::string why = isThere(each) ? notReadableWhy(each) : "";
+        if (why.empty()) continue;
+        *file = each;
+        return why;
+    }
+    return "";
+}
+
 ExtractFault openFault(const DiscFolder& disc, uint64_t code, uint64_t tracks, fs::path* file)
 {
     constexpr uint64_t AUDIO_TABLE_BYTES = 16384;
     const fs::path audio = disc.folder / TABLES[0], manager = disc.folder / TABLES[1],
                    titleSet = disc.folder / TABLES[2];
+    const std::string why = unreadableWhy(disc, file);
+    if (!why.empty()) return { code, why };
     switch (code) {
     case CODE_EXTRACT_NO_DISC:
         *file = disc.folder;

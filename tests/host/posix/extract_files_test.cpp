@@ -204,6 +204,37 @@ TEST(ExtractFiles, PipesDoNotStopTheProgram)
     EXPECT_EQ(linked.extract().exitCode, 2);
 }
 
+// The superuser may read everything, so the program runs as somebody else.
+TEST(ExtractFiles, FilesThatCannotBeRead)
+{
+    const TempDir folder;
+    makeAudioDisc(folder.root / "disc", { SHORT });
+    const struct {
+        const char* name;
+        const char* code;
+    } cases[] = { { "AUDIO_PP.IFO", "error + 7003" }, { "ATS_01_1.AOB", "error + 7007" }, { "ATS_01_2.AOB", "" } };
+    for (const auto& expected : cases) {
+        SCOPED_TRACE(expected.name);
+        const fs::path file = folder.root / "disc" / expected.name;
+        if (!fs::exists(file)) writeFile(file.u16string(), std::string_view("x"));
+        fs::permissions(file, fs::perms::none);
+        int ends[2] = { -1, -1 };
+        ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+        const pid_t child = startExtract(folder.root, ends[1], [] {
+            if (geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0)) _exit(127);
+        });
+        close(ends[1]);
+        const std::string text = readAll(ends[0]);
+        EXPECT_EQ(exitCodeOf(child), 1);
+        EXPECT_TRUE(text.starts_with("error: " + std::string(expected.code))) << text;
+        EXPECT_NE(text.find("\n  disc/" + std::string(expected.name) + ": the file can't be opened for reading\n"),
+                  text.npos)
+            << text;
+        fs::permissions(file, fs::perms(0644));
+    }
+    EXPECT_FALSE(fs::exists(folder.root / "out"));
+}
+
 TEST(ExtractFiles, OutputFolderThatCannotBeMade)
 {
     const LinkedFolder linked;
