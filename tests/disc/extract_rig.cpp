@@ -244,6 +244,8 @@ void Extraction::putVideo(const VideoIfoSpec& recipe, const Bytes& vob) const
 void Extraction::create()
 {
     if (context) release();
+    for (OSFILE& file : files) (void)osCloseFile(&file);
+    files.clear();
     const uint64_t result = narrow ? d2wCreateContext(toUtf8(disc).c_str(), toUtf8(out).c_str(), &context)
                                    : d2wCreateContextW(wide(disc), wide(out), &context);
     ASSERT_EQ(result, 0u);

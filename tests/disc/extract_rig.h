@@ -103,13 +103,14 @@ struct Extraction {
     /** VIDEO_TS.IFO, VTS_01_0.IFO and VTS_01_1.VOB. */
     void putVideo(const VideoIfoSpec& recipe, const Bytes& vob) const;
 
-    void create();   // the context; fails the test on any result but 0
+    /** The context, in place of one before, whose files are closed. Fails the test on any result but 0. */
+    void create();
     uint64_t init();
     uint64_t open();
     uint64_t extract(uint64_t track, uint64_t stereoPairs);
     void release();
 
-    /** Opens a file of the disc for reading, until the record ends. */
+    /** Opens a file of the disc for reading, until the next context or the record's end. */
     OSFILE file(const std::string& name);
     /** Stands in for an initialisation: this file of the disc alone, open, with its tracks. */
     void lend(uint64_t sourceKind, const std::string& name, const std::vector<ExtractTrack>& tracks, bool opened);

@@ -12,8 +12,8 @@ namespace {
 
 uint64_t readAudio(Extraction& run, const Bytes& ifo, bool opened)
 {
-    run.put("AUDIO_PP.IFO", ifo);
     run.create();
+    run.put("AUDIO_PP.IFO", ifo);
     run.infos.clear();
     run.context->opened = opened;
     return orvReadAudioTables(run.context, run.file("AUDIO_PP.IFO"), noteInfo(), userOf(&run));
@@ -266,9 +266,9 @@ TEST(ExtractParts, AnOpenedDiscHasNoGaps)
 
 uint64_t readVideo(Extraction& run, const Bytes& manager, const Bytes& titleSet, bool opened = false)
 {
+    run.create();
     run.put("VIDEO_TS.IFO", manager);
     run.put("VTS_01_0.IFO", titleSet);
-    run.create();
     run.infos.clear();
     run.context->opened = opened;
     return orvReadVideoTables(run.context, run.file("VIDEO_TS.IFO"), run.file("VTS_01_0.IFO"), noteInfo(),
