@@ -41,7 +41,8 @@ static uint64_t giveSamples(uint64_t track, uint8_t* buffer, uint64_t count, uin
     std::copy_n(bytes.begin() + std::ptrdiff_t(given), now, buffer);
     given += now;
     *out = now / sample;
-    return given == bytes.size() ? ORV_AOB_END : ORV_AOB_MORE;
+    const bool ended = given == bytes.size() && !((*source->tracks)[track].endsLate && now > 0);
+    return ended ? ORV_AOB_END : ORV_AOB_MORE;
 }
 
 static DiscSource sourceOf(const std::vector<AudioTrackSpec>& tracks)

@@ -13,6 +13,7 @@ struct AudioTrackSpec {
     uint64_t samples = 3000;    // of each channel; even, for 24 bits or more than two channels
     uint32_t tableAssign = 0;   // what the project says, if not 0, in the place of what the packs hold
     uint32_t tableBits = 0;
+    bool endsLate = false;   // its end is told when nothing is left, in place of with its last samples
     uint64_t playTime = 0;   // ticks; 0: those of the samples
 };
 

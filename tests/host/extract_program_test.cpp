@@ -238,6 +238,32 @@ TEST(ExtractProgram, TracksOfEveryLength)
     }
 }
 
+// Behind a full pack the multiplexer makes one without samples for a host that tells the end too late: silence of a
+// whole pack, 500 samples.
+TEST(ExtractProgram, EndThatIsToldLateIsSilence)
+{
+    const TempDir folder;
+    const AudioTrackSpec late = { .samples = 996, .endsLate = true };
+    makeAudioDisc(audioTs(folder), { late });
+    EXPECT_EQ(extract(folder, { "-q" }).exitCode, 0);
+    const Bytes wave = discFile(folder.root / "out" / "track001_lrf.wav"), given = pairWave(late, 0, 0, 1);
+    ASSERT_EQ(wave.size(), 46u + 1496 * 4);
+    EXPECT_TRUE(std::equal(given.begin() + 46, given.end(), wave.begin() + 46));
+    EXPECT_TRUE(Bytes(wave.begin() + 46 + 996 * 4, wave.end()) == Bytes(2000));
+}
+
+// Of other forms than 16-bit stereo a unit holds two samples, so a last one alone is lost when the track is made.
+TEST(ExtractProgram, OddNumberOfSamples)
+{
+    const TempDir folder;
+    const AudioTrackSpec odd = { .bits = 24, .samples = 1001 };
+    makeAudioDisc(audioTs(folder), { odd });
+    EXPECT_EQ(extract(folder, { "-q" }).exitCode, 0);
+    const Bytes wave = discFile(folder.root / "out" / "track001_lrf.wav"), given = pairWave(odd, 0, 0, 1);
+    ASSERT_EQ(wave.size(), 46u + 1000 * 6);
+    EXPECT_TRUE(std::equal(wave.begin() + 46, wave.end(), given.begin() + 46));
+}
+
 TEST(ExtractProgram, SoundInSeveralFiles)
 {
     const TempDir folder;
