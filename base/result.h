@@ -16,7 +16,13 @@ inline constexpr uint64_t ORV_NOT_A_PACK = ORV_LIBRARY + 9002;               // 
 inline constexpr uint64_t ORV_TOO_MANY_AUDIO_STREAMS = ORV_LIBRARY + 1035;   // `astreams` above 8
 inline constexpr uint64_t ORV_TOO_MANY_TRACKS = ORV_LIBRARY + 3100;          // of an audio title set
 inline constexpr uint64_t ORV_AOB_UNDERRUN = ORV_LIBRARY + 3102;             // the decoder wants more than it was given
-inline constexpr uint64_t ORV_TITLE_SET_SKIPPED = ORV_LIBRARY + 1099;        // `skipvts`; never leaves the library
+inline constexpr uint64_t ORV_EXTRACT_VMG_NOT_READ = ORV_LIBRARY + 7012;
+inline constexpr uint64_t ORV_EXTRACT_VTS_NOT_READ = ORV_LIBRARY + 7013;
+inline constexpr uint64_t ORV_EXTRACT_NO_VMG = ORV_LIBRARY + 7014;      // no IFO of a manager
+inline constexpr uint64_t ORV_EXTRACT_NO_VTS = ORV_LIBRARY + 7015;      // no IFO of a title set
+inline constexpr uint64_t ORV_EXTRACT_NO_LPCM = ORV_LIBRARY + 7016;     // the title's sound is no LPCM
+inline constexpr uint64_t ORV_EXTRACT_NO_SOURCE = ORV_LIBRARY + 7017;   // no reader has seen the context
+inline constexpr uint64_t ORV_TITLE_SET_SKIPPED = ORV_LIBRARY + 1099;   // `skipvts`; never leaves the library
 
 // A source or a menu VOB could not be written or read: the codes of "write failed" and "read failed".
 inline constexpr uint64_t ORV_MOVIE_NOT_WRITTEN = ORV_WRITE_FAILED;

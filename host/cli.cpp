@@ -5,6 +5,7 @@
 #include "author.h"
 #include "chapters.h"
 #include "explain.h"
+#include "extract.h"
 #include "fix.h"
 #include "mux.h"
 #include "platform.h"
@@ -37,6 +38,8 @@ static const char FOOTER[] = R"(Examples:
       the same with a cell every ten minutes; the project names `streamscanfile=film.scan`
   orven aob --target disc/AUDIO_TS --project album.ini song.wav waltz.wav
       makes the sound of a DVD-Audio disc, and a project for `orven author`
+  orven extract disc --out tracks
+      makes WAVE files of the tracks of a DVD-Audio disc
   orven preview project.ini --out pictures
       shows the menus as PNG pictures, before a disc is made
   orven explain 1012
@@ -150,6 +153,20 @@ one for title set 1:
   orven aob --target disc/AUDIO_TS --project disc.ini song.wav waltz.wav
   orven author disc.ini --target disc/AUDIO_TS)";
 
+static const char EXTRACT_FOOTER[] =
+    R"(DISC is the folder of a disc, or its AUDIO_TS or VIDEO_TS folder. Tracks are those of a
+DVD-Audio disc, or the chapters of the first title of a DVD-Video whose sound is LPCM.
+
+For each track, here the second one, DIR gets
+  track002_lrf.wav     left and right
+  track002_lrs.wav     left and right surround, of four to six channels
+  track002_c.wav       the centre, of five channels; its second channel is silent
+  track002_c_lfe.wav   the centre and the low frequencies, of six channels
+and with --mono a file for each channel, whose names end in _lf, _rf, _ls, _rs, _c, _lfe.
+
+Tracks have 16 or 24 bits and two, four, five or six channels. Others are listed with the
+reason why they can't be extracted. A track that can't be read to its end leaves no file.)";
+
 static const char EXPLAIN_FOOTER[] = R"(CODE is the number of a message, 1012, or a whole result as a program gets it,
 0x840003F4 or 2214593524. Numbers below 1000 are those of the operating system.)";
 
@@ -159,10 +176,10 @@ static fs::path toPath(const std::string& utf8)
 }
 
 struct CommandLine {
-    std::string project, target, previous, log, out, code, video, scanFile, interval, cells, in;
+    std::string project, target, previous, log, out, code, video, scanFile, interval, cells, in, disc;
     std::vector<std::string> sounds, vobs, tracks;
-    uint32_t button = 0, titleSet = 1;
-    bool pal = false, ntsc = false, quiet = false;
+    uint32_t button = 0, titleSet = 1, track = 0;
+    bool pal = false, ntsc = false, quiet = false, mono = false, force = false;
 };
 
 static void addProject(CLI::App* command, CommandLine* line)
@@ -314,6 +331,22 @@ static void addAob(CLI::App* app, CommandLine* line)
     aob->footer(AOB_FOOTER);
 }
 
+static void addExtract(CLI::App* app, CommandLine* line)
+{
+    CLI::App* extract = app->add_subcommand("extract", "Make WAVE files of a disc's tracks")->group("Commands");
+    extract->add_option("DISC", line->disc, "The disc's folder")->required()->type_name("");
+    extract->add_option("-o,--out", line->out, "Folder for the WAVE files; made where it is missing")
+        ->required()
+        ->type_name("DIR");
+    extract->add_option("-t,--track", line->track, "Extract this track alone, 1 to 99")
+        ->check(CLI::Range(1, 99).description(""))
+        ->type_name("N");
+    extract->add_flag("-m,--mono", line->mono, "Make a file for each channel, not for each pair");
+    extract->add_flag("-f,--force", line->force, "Replace files that are there");
+    addQuiet(extract, line);
+    extract->footer(EXTRACT_FOOTER);
+}
+
 static void addExplain(CLI::App* app, CommandLine* line)
 {
     CLI::App* explain = app->add_subcommand("explain", "Tell what a result code means")->group("Commands");
@@ -346,6 +379,9 @@ static int runCommand(const CLI::App& app, const CommandLine& line)
     if (app.got_subcommand("aob")) {
         return runAob({ toPath(line.target), toPath(line.project), line.titleSet, line.tracks, line.quiet });
     }
+    if (app.got_subcommand("extract")) {
+        return runExtract({ toPath(line.disc), toPath(line.out), line.track, line.mono, line.force, line.quiet });
+    }
     if (app.got_subcommand("preview")) {
         return runPreview({ toPath(line.project), toPath(line.out), toPath(line.log), line.button, line.quiet });
     }
@@ -369,6 +405,7 @@ int runCommandLine(const std::vector<std::string>& arguments)
     addFix(&app, &line);
     addAob(&app, &line);
     addPreview(&app, &line);
+    addExtract(&app, &line);
     addExplain(&app, &line);
     if (arguments.empty()) {
         platformPrintError(app.help());

@@ -52,6 +52,15 @@ inline constexpr uint64_t CODE_NOT_LPCM = libraryCode(3015), CODE_TOO_MANY_TRACK
                           CODE_AUDIO_MENUS = libraryCode(6023), CODE_STILLS = libraryCode(6024),
                           CODE_STILL_ATTRIBUTES = libraryCode(6025);
 
+inline constexpr uint64_t CODE_EXTRACT_NO_DISC = libraryCode(7003), CODE_EXTRACT_NO_TABLE = libraryCode(7004),
+                          CODE_EXTRACT_TABLE = libraryCode(7005), CODE_EXTRACT_MLP = libraryCode(7006),
+                          CODE_EXTRACT_UNREAD = libraryCode(7007), CODE_EXTRACT_NO_PACK = libraryCode(7008),
+                          CODE_EXTRACT_OUTPUT = libraryCode(7009), CODE_EXTRACT_NO_TRACK = libraryCode(7010),
+                          CODE_EXTRACT_ASSIGNMENT = libraryCode(7011), CODE_EXTRACT_MANAGER_UNREAD = libraryCode(7012),
+                          CODE_EXTRACT_TITLE_SET_UNREAD = libraryCode(7013), CODE_EXTRACT_MANAGER = libraryCode(7014),
+                          CODE_EXTRACT_TITLE_SET = libraryCode(7015), CODE_EXTRACT_NO_LPCM = libraryCode(7016),
+                          CODE_EXTRACT_NOT_OPEN = libraryCode(7017);
+
 inline constexpr uint64_t CODE_INVALID_ARGUMENT = libraryCode(87), CODE_TITLE_SET_SKIPPED = libraryCode(1099);
 inline constexpr uint64_t CODE_BASE_ARGUMENT = 0x88010001, CODE_BASE_MEMORY = 0x88010002, CODE_SHORT_READ = 0x88010102;
 inline constexpr uint64_t CODE_NOTHING_SCANNED = 0xFFFFFFFFFFFFFFFD;   // the one result of more than 32 bits, -3

@@ -59,6 +59,12 @@ std::string ownText(uint64_t code)
     case CODE_BASE_MEMORY: return "out of memory";
     case CODE_SHORT_READ: return "a file is shorter than it should be";
     case CODE_NOTHING_SCANNED: return "the sources of a title hold no whole sector of 2048 bytes";
+    case CODE_EXTRACT_MANAGER_UNREAD: return "VIDEO_TS.IFO can't be read";
+    case CODE_EXTRACT_TITLE_SET_UNREAD: return "VTS_01_0.IFO can't be read";
+    case CODE_EXTRACT_MANAGER: return "VIDEO_TS.IFO is no table of a disc's manager";
+    case CODE_EXTRACT_TITLE_SET: return "VTS_01_0.IFO is no table of a title set";
+    case CODE_EXTRACT_NO_LPCM: return "the sound of the first title set is not LPCM";
+    case CODE_EXTRACT_NOT_OPEN: return "no disc is open";
     default: return "";
     }
 }

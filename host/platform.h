@@ -54,6 +54,10 @@ uint64_t platformSetChapter(uint8_t* sector, const std::filesystem::path& projec
 uint64_t platformCheckStructure(const std::filesystem::path& project, const std::filesystem::path& disc,
                                 const std::filesystem::path& previous);
 
+/** A context for the extraction of tracks. out need not be there yet. */
+uint64_t platformCreateExtract(const std::filesystem::path& disc, const std::filesystem::path& out,
+                               ExtractContext** context);
+
 /** Text of a result in UTF-8; empty if it has none. */
 std::string platformResultText(uint64_t code);
 

@@ -70,6 +70,14 @@ uint64_t platformCheckStructure(const std::filesystem::path& project, const std:
     return CheckDVDStructure(project.c_str(), disc.c_str(), previous.c_str());
 }
 
+uint64_t platformCreateExtract(const std::filesystem::path& disc, const std::filesystem::path& out,
+                               ExtractContext** context)
+{
+    *context = nullptr;
+    if (!platformLibraryTakes(disc) || !platformLibraryTakes(out)) return EILSEQ;
+    return d2wCreateContext(disc.c_str(), out.c_str(), context);
+}
+
 std::string platformResultText(uint64_t code)
 {
     char text[1024] = {};

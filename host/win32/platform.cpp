@@ -70,6 +70,12 @@ uint64_t platformCheckStructure(const std::filesystem::path& project, const std:
     return CheckDVDStructureW(project.c_str(), disc.c_str(), previous.c_str());
 }
 
+uint64_t platformCreateExtract(const std::filesystem::path& disc, const std::filesystem::path& out,
+                               ExtractContext** context)
+{
+    return d2wCreateContextW(disc.c_str(), out.c_str(), context);
+}
+
 std::string platformResultText(uint64_t code)
 {
     wchar_t text[1024] = {};

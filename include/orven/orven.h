@@ -5,6 +5,7 @@
 #include <orven/aob.h>
 #include <orven/authoring.h>
 #include <orven/disc.h>
+#include <orven/extract.h>
 #include <orven/mux.h>
 #include <orven/preview.h>
 #include <orven/results.h>

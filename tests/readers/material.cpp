@@ -174,7 +174,7 @@ Disc::Disc(Standard standard, const std::vector<TitleSetPlan>& titleSets, const 
     std::string project = "[COMMON]\nversion=1.0\nmode=" + std::string(standard == PAL ? "PAL" : "NTSC") +
                           "\n[VMG]\ntitlesets=" + std::to_string(titleSets.size()) + "\n" + managerKeys;
     for (uint64_t i = 0; i < titleSets.size(); i++) {
-        project += "[VTS_" + std::to_string(i + 1) + "]\naudio=AC3\n" + titleSets[i].keys +
+        project += "[VTS_" + std::to_string(i + 1) + "]\naudio=" + titleSets[i].audio + "\n" + titleSets[i].keys +
                    placeSources(videoTs, standard, titleSets[i], i + 1);
     }
     project += moreSections;

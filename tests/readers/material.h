@@ -35,6 +35,7 @@ struct TitleSetPlan {
     // Bytes at which the movie is cut into several source files; VTS_nn_1.VOB, _2.VOB ...
     std::vector<uint64_t> cuts = {};
     std::filesystem::path movie = {};   // this one, not a realMovie
+    std::string audio = "AC3";          // of its first sound
 };
 
 // An authored disc in a folder of its own, removed with the record.
