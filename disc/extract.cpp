@@ -66,8 +66,8 @@ static void closeSound(ExtractContext* context)
 extern "C" uint64_t d2wReleaseContext(ExtractContext* context)
 {
     if (!context) return ORV_INVALID_ARGUMENT;
-    if (context->extracting) {
-        context->released = true;   // an extraction is under way on this very thread; it takes notice and finishes this
+    if (context->busy) {
+        context->released = true;   // a call is under way on this very thread; it takes notice and finishes this
         return 0;
     }
     closeSound(context);
@@ -172,6 +172,8 @@ static void forgetDisc(ExtractContext* context)
 extern "C" uint64_t d2wOpenDisc(ExtractContext* context, uint64_t* outTrackCount, OrvTrackInfo info, uint64_t user)
 {
     if (!context || context->sourceKind != SOURCE_NONE) return ORV_INVALID_ARGUMENT;
+    const bool within = context->busy;   // a callback may open, too
+    context->busy = true;
     context->opened = true;
     TableFiles tables = {};
     uint64_t result = openTables(context, &tables);
@@ -180,6 +182,8 @@ extern "C" uint64_t d2wOpenDisc(ExtractContext* context, uint64_t* outTrackCount
     if (!result && context->fileCount == 0) result = ORV_AOB_NOT_READ;
     if (outTrackCount) *outTrackCount = context->trackCount;
     if (result) forgetDisc(context);
+    context->busy = within;
+    if (context->released && !within) (void)d2wReleaseContext(context);
     return result;
 }
 
@@ -285,10 +289,10 @@ extern "C" uint64_t d2wExtractTrackW(ExtractContext* context, uint64_t track, ui
     const uint64_t total =
         found->lastSector >= found->firstSector ? uint64_t(found->lastSector) - found->firstSector + 1 : 0;
     ExtractListener listener = { progress, user, track, total };
-    const bool within = context->extracting;   // a callback may extract too
-    context->extracting = true;
+    const bool within = context->busy;   // a callback may extract too
+    context->busy = true;
     const uint64_t result = extractTrack(context, track, stereoPairs != 0, &listener);
-    context->extracting = within;
+    context->busy = within;
     if (context->released && !within) (void)d2wReleaseContext(context);
     return result;
 }

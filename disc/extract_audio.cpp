@@ -56,6 +56,7 @@ static uint64_t readTracks(ExtractContext* context, const uint8_t* table, OrvTra
         if (record[SAMG_ATTRIBUTES.at] & PACKED_LOSSLESSLY) return ORV_MLP_UNSUPPORTED;
         readTrack(context, record, base, &context->tracks[i]);
         if (info) info(&context->tracks[i], i, user);
+        if (context->released) return ORV_CANCELED;
     }
     return 0;
 }

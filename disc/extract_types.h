@@ -25,8 +25,8 @@ struct ExtractContext {
     // d2wOpenDisc: the files stay open, sectors are plain, packs and units are read to their last sample. Otherwise as
     // d2wInitContext does all this.
     bool opened;
-    bool extracting;        // within d2wExtractTrack
-    bool released;          // from its progress callback: it ends, and then the context goes
+    bool busy;              // within d2wOpenDisc or d2wExtractTrack
+    bool released;          // from one of their callbacks: they end, and then the context goes
     OSFILE tableFiles[3];   // that d2wInitContext leaves open; closed with the context
 };
 

@@ -84,8 +84,8 @@ static void readAudio(const uint8_t* audio, ExtractTrack* track)
     track->sampleRate1 = (audio[1] & RATE) == 0 ? 48000 : 0;
 }
 
-static void readTracks(ExtractContext* context, const Ifo* vts, const TitleTables* tables, OrvTrackInfo info,
-                       uint64_t user)
+static uint64_t readTracks(ExtractContext* context, const Ifo* vts, const TitleTables* tables, OrvTrackInfo info,
+                           uint64_t user)
 {
     context->trackCount = tables->tracks;
     for (uint64_t i = 0; i < tables->tracks; i++) {
@@ -99,7 +99,9 @@ static void readTracks(ExtractContext* context, const Ifo* vts, const TitleTable
         track->lastSector = orvGet(address, ADT_LAST);
         track->playTime = uint32_t(orvTimeToSeconds(time) * TICKS_PER_SECOND);
         if (info) info(track, i, user);
+        if (context->released) return ORV_CANCELED;
     }
+    return 0;
 }
 
 static uint64_t readTables(ExtractContext* context, const Ifo* vmg, const Ifo* vts, OrvTrackInfo info, uint64_t user)
@@ -109,7 +111,7 @@ static uint64_t readTables(ExtractContext* context, const Ifo* vmg, const Ifo* v
     TitleTables tables = {};
     if (uint64_t error = readVmg(vmg, &tables)) return error;
     if (uint64_t error = readVts(vts, &tables)) return error;
-    readTracks(context, vts, &tables, info, user);
+    if (uint64_t error = readTracks(context, vts, &tables, info, user)) return error;
     return orvOpenExtractFiles(context, u"%sVTS_01_%.1d.VOB");
 }
 

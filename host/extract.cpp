@@ -50,7 +50,7 @@ static void printFault(const fs::path& file, const ExtractFault& fault)
     }
 }
 
-static int reportFault(const fs::path& file, const ExtractFault& fault)
+static int reportExtract(const fs::path& file, const ExtractFault& fault)
 {
     printFault(file, fault);
     return EXIT_RUN_FAILED;
@@ -116,24 +116,25 @@ static void onTrack(const ExtractTrack* track, uint64_t, uint64_t user)
 static int openDisc(ExtractRun* run)
 {
     fs::path file;
-    if (ExtractFault fault = folderFault(run->disc, &file)) return reportFault(file, fault);
+    if (ExtractFault fault = folderFault(run->disc, &file)) return reportExtract(file, fault);
     run->tracks.reserve(UINT8_MAX);   // more than a disc has: onTrack must not throw
     uint64_t code = platformCreateExtract(run->disc.folder, run->folder, &run->context);
-    if (code) return reportFault(run->disc.folder, { code, "the library can't take the name of it or of the output" });
+    if (code)
+        return reportExtract(run->disc.folder, { code, "the library can't take the name of it or of the output" });
     code = d2wOpenDisc(run->context, nullptr, onTrack, reinterpret_cast<uint64_t>(run));
     if (!code) return EXIT_DONE;
     const ExtractFault fault = openFault(run->disc, code, run->tracks.size(), &file);
-    return reportFault(file, fault);
+    return reportExtract(file, fault);
 }
 
 /** Takes the tracks that were asked for and can be extracted, and says what is wrong with the others. */
 static int chooseTracks(ExtractRun* run)
 {
     const uint64_t one = run->options->track, count = run->tracks.size();
-    if (count == 0) return reportFault(tableOf(*run), { 0, "the disc has no tracks" });
+    if (count == 0) return reportExtract(tableOf(*run), { 0, "the disc has no tracks" });
     if (one > count) {
-        return reportFault(tableOf(*run), { CODE_EXTRACT_NO_TRACK, "there is no track " + std::to_string(one) +
-                                                                       "; the disc has " + counted(count, "track") });
+        return reportExtract(tableOf(*run), { CODE_EXTRACT_NO_TRACK, "there is no track " + std::to_string(one) +
+                                                                         "; the disc has " + counted(count, "track") });
     }
     for (uint64_t number = one ? one : 1; number <= (one ? one : count); number++) {
         const ExtractTrack& track = run->tracks[number - 1];
@@ -313,7 +314,7 @@ static int extractIntoFolder(ExtractRun* run)
     if (const int failed = makeFolder(run->options->out)) return failed;
     if (!fs::create_directory(run->folder, error)) {
         const std::string why = error ? error.message() : "something has taken its name";
-        return reportFault(run->folder, { 0, "the folder can't be made: " + why });
+        return reportExtract(run->folder, { 0, "the folder can't be made: " + why });
     }
     const int failed = extractTracks(run);
     fs::remove(run->folder, error);

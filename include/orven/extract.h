@@ -24,7 +24,8 @@ typedef struct ExtractTrack {
     uint32_t sampleRate1, sampleRate2; /* Hz; 0: unknown */
 } ExtractTrack;
 
-/** Told of each track that is found. The record lives until it returns. @param index  from 0 */
+/** Told of each track that is found. The record lives until it returns. From within a call d2wReleaseContext ends
+ *  d2wOpenDisc. @param index  from 0 */
 typedef void (*OrvTrackInfo)(const ExtractTrack* track, uint64_t index, uint64_t user);
 
 /** Progress of an extraction. The last call of a track has done equal to total. From within a call d2wReleaseContext
@@ -53,8 +54,9 @@ ORV_API uint64_t d2wCreateContextW(const OrvWChar* sourcePath, const OrvWChar* d
  *          if it is none or has more than 99 tracks; 0x84001B5E (7006) for a track that is packed losslessly, those
  *          before it being told; 0x84001B5F (7007) if no file with sound can be opened; 0x84001B64 to 0x84001B68 for
  *          the IFO files of DVD-Video, the last for sound that is not LPCM, 0x84001B66 for more than 99 chapters too;
- *          0x84000057 if context is null, or open already; a number of the platform. After a failure nothing is open,
- *          and the context may be tried again */
+ *          0x84000057 if context is null, or open already; a number of the platform. 0x8400040A (1034) if
+ *          info has released the context, which is gone then. After another failure no disc is open, *outTrackCount is
+ *          what was counted, and the context may be tried again */
 ORV_API uint64_t d2wOpenDisc(ExtractContext* context, uint64_t* outTrackCount, OrvTrackInfo info, uint64_t user);
 
 /** Looks for a disc in its own way: with AUDIO_PP.IFO alone it reads the tables of DVD-Video, with the two IFO files of
@@ -73,14 +75,15 @@ ORV_API uint64_t d2wInitContext(ExtractContext* context, uint64_t* outTrackCount
  *  @return 0; 0x84001B62 (7010) for a track past the last; 0x84001B61 (7009) if a file can't be made; 0x84001B63 (7011)
  *          for a channel assignment that can't be extracted; 0x84001B5F (7007) and 0x84001B60 (7008) if a sector can't
  *          be read or is no pack; 0x84001B69 for a context that is not open; 0x8400040A (1034) if progress has released
- *          the context, which is gone then; 0x84000057 for a null context; a number of the platform */
+ *          the context before the last call, 0 if in the last call: it is gone then; 0x84000057 for a null context; a
+ * number of the platform */
 ORV_API uint64_t d2wExtractTrack(ExtractContext* context, uint64_t track, uint64_t stereoPairs,
                                  OrvExtractProgress progress, uint64_t user);
 ORV_API uint64_t d2wExtractTrackW(ExtractContext* context, uint64_t track, uint64_t stereoPairs,
                                   OrvExtractProgressW progress, uint64_t user);
 
-/** Closes the disc and releases the context. Called from progress, it lets the extraction end at the next sector, and
- *  the context goes when d2wExtractTrack returns. @return 0; 0x84000057 if context is null */
+/** Closes the disc and releases the context. Called from a callback, it lets d2wOpenDisc or d2wExtractTrack end, and
+ *  the context goes when that call returns, whatever its result. @return 0; 0x84000057 if context is null */
 ORV_API uint64_t d2wReleaseContext(ExtractContext* context);
 
 ORV_END_DECLS

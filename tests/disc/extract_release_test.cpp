@@ -1,10 +1,12 @@
-// extract_release_test.cpp: an extraction that its own progress callback ends.
+// extract_release_test.cpp: calls that their own callbacks end.
 #include "base/result.h"
 #include "base/wide.h"
 #include "tests/support/files.h"
 
 #include <gtest/gtest.h>
 #include <orven/extract.h>
+
+#include <string>
 
 namespace {
 
@@ -109,6 +111,23 @@ TEST(ExtractRelease, AnExtractionWithinAnotherReleasesNothing)
     EXPECT_EQ(disc.calls, 2 * (PACKS + 1));
     EXPECT_EQ(extract(&disc), 0u);   // it can be used again
     EXPECT_EQ(d2wReleaseContext(disc.context), 0u);
+}
+
+void releaseAtOnce(const ExtractTrack*, uint64_t, uint64_t user)
+{
+    EXPECT_EQ(d2wReleaseContext(*reinterpret_cast<ExtractContext**>(user)), 0u);
+}
+
+TEST(ExtractRelease, TrackInfoEndsTheOpening)
+{
+    StereoDisc disc;
+    EXPECT_EQ(d2wReleaseContext(disc.context), 0u);
+    const std::u16string folder = disc.folder.prefix();
+    ExtractContext* context = nullptr;
+    ASSERT_EQ(d2wCreateContextW(orvHostText(folder.c_str()), orvHostText(folder.c_str()), &context), 0u);
+    uint64_t tracks = 99;
+    EXPECT_EQ(d2wOpenDisc(context, &tracks, releaseAtOnce, reinterpret_cast<uint64_t>(&context)), ORV_CANCELED);
+    EXPECT_EQ(tracks, 1u);
 }
 
 }   // namespace
