@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
+#include <iterator>
 #include <random>
 
 namespace {
@@ -323,11 +325,7 @@ TEST(ExtractPack, AnyBytes)
 
 // ---- several files ----------------------------------------------------------------------------------------------
 
-struct Parts {
-    std::vector<uint64_t> sectors;   // of ATS_01_1.AOB and on
-};
-
-// Each sector's samples are as many as its number, plus one.
+// ATS_01_1.AOB and on, of so many sectors each. Each sector's samples are as many as its number, plus one.
 void putParts(const Extraction& run, const std::vector<uint64_t>& sectors)
 {
     uint64_t sector = 0;
@@ -363,6 +361,28 @@ TEST(ExtractPack, SectorsOfSeveralFiles)
             EXPECT_EQ(readSector(run.context, sector).result, AOB_NOT_READ) << sector;
         }
     }
+}
+
+// The search for the file goes on up to the count of files, so one that lies behind a gap is reached, the next is not.
+TEST(ExtractPack, FilesBehindAGap)
+{
+    Extraction run;
+    run.put("first", aobPack(Bytes(1, 0x55)));
+    run.put("third", aobPack(Bytes(2, 0x55)));
+    run.put("fourth", aobPack(Bytes(3, 0x55)));
+    run.create();
+    ExtractContext* context = run.context;
+    context->sourceKind = SOURCE_AUDIO;
+    context->fileCount = 2;
+    context->files[0] = run.file("first");
+    context->files[2] = run.file("third");
+    context->files[3] = run.file("fourth");
+    const uint64_t firstSectors[] = { 0, 1, 1, 2, 3, 3, 3, 3, 3 };
+    std::copy(std::begin(firstSectors), std::end(firstSectors), context->fileFirstSector);
+    EXPECT_EQ(readSector(context, 0).length, 1u);
+    EXPECT_EQ(readSector(context, 1).length, 2u);
+    EXPECT_EQ(readSector(context, 2).result, AOB_NOT_READ);
+    std::fill(std::begin(context->files), std::end(context->files), OSFILE(0));   // they are the test's
 }
 
 // A file that ends within a sector: its own part of it can't be read, and the next file begins where the sum of the

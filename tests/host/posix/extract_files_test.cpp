@@ -1,9 +1,7 @@
 // extract_files_test.cpp: `orven extract` under Ctrl-C, on a full disk, among links and pipes, and with names that are
 // not text. POSIX only.
-#include "tests/host/audio_disc.h"
-#include "tests/host/process.h"
+#include "tests/host/extract_rig.h"
 
-#include <algorithm>
 #include <csignal>
 #include <fcntl.h>
 #include <functional>
@@ -20,17 +18,6 @@ namespace {
 constexpr int PATIENCE_MS = 60000;   // for a machine under load
 
 const AudioTrackSpec SHORT = { .samples = 3000 }, LONG = { .samples = 60000 };
-
-std::vector<std::string> namesIn(const fs::path& folder)
-{
-    std::vector<std::string> names;
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder))
-        names.push_back(fs::relative(entry.path(), folder).string());
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-typedef std::vector<std::string> Names;
 
 // ---- processes ----------------------------------------------------------------------------------------------------
 
