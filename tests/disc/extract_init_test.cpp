@@ -24,10 +24,10 @@ TEST(ExtractCreate, NullArguments)
     EXPECT_EQ(d2wCreateContext("disc", "out", nullptr), NULL_ARGUMENT);
     EXPECT_EQ(d2wCreateContextW(wide(u"disc"), wide(u"out"), nullptr), NULL_ARGUMENT);
     EXPECT_EQ(d2wReleaseContext(nullptr), NULL_ARGUMENT);
-    uint64_t count = UNTOUCHED;
+    uint64_t count = NOT_WRITTEN;
     EXPECT_EQ(d2wInitContext(nullptr, &count, nullptr, 0), NULL_ARGUMENT);
     EXPECT_EQ(d2wOpenDisc(nullptr, &count, nullptr, 0), NULL_ARGUMENT);
-    EXPECT_EQ(count, UNTOUCHED);
+    EXPECT_EQ(count, NOT_WRITTEN);
     EXPECT_EQ(d2wExtractTrack(nullptr, 0, 0, nullptr, 0), NULL_ARGUMENT);
     EXPECT_EQ(d2wExtractTrackW(nullptr, 0, 0, nullptr, 0), NULL_ARGUMENT);
 }
@@ -156,7 +156,7 @@ TEST(ExtractInit, BranchesAreCrossed)
                 run.nullCallbacks = !callbacks;
                 putFiles(run, row);
                 EXPECT_EQ(run.init(), row.result);
-                EXPECT_EQ(run.count, row.counted ? 0 : UNTOUCHED);
+                EXPECT_EQ(run.count, row.counted ? 0 : NOT_WRITTEN);
                 EXPECT_EQ(run.infos.size(), 0u);
                 EXPECT_EQ(run.context->trackCount, 0u);
                 EXPECT_EQ(run.extract(0, 0), row.extract);

@@ -148,9 +148,9 @@ TEST(ExtractOpen, OnceForAContext)
     Extraction run;
     run.putAudio(TWO_TRACKS, twoTracks());
     EXPECT_EQ(run.open(), 0u);
-    run.count = UNTOUCHED;
+    run.count = NOT_WRITTEN;
     EXPECT_EQ(run.open(), NULL_ARGUMENT);
-    EXPECT_EQ(run.count, UNTOUCHED);
+    EXPECT_EQ(run.count, NOT_WRITTEN);
     EXPECT_EQ(run.infos.size(), 2u);   // of the first
     run.count = 2;
     expectTwoTracks(run);   // it stays open
@@ -291,9 +291,9 @@ TEST(ExtractOpen, InitLeavesAnOpenDisc)
         if (!audio) run.putVideo(TWO_CELLS, twoCells());
         EXPECT_EQ(run.open(), 0u);
         const uint64_t count = run.count;
-        run.count = UNTOUCHED;
+        run.count = NOT_WRITTEN;
         EXPECT_EQ(run.init(), NULL_ARGUMENT);
-        EXPECT_EQ(run.count, UNTOUCHED);
+        EXPECT_EQ(run.count, NOT_WRITTEN);
         run.count = count;
         if (audio) expectTwoTracks(run);
         if (!audio) expectTwoCells(run);

@@ -11,7 +11,7 @@
 namespace {
 
 struct Pack {
-    uint64_t result = UNTOUCHED;
+    uint64_t result = NOT_WRITTEN;
     uint64_t at = 0;   // of the samples; 0 without any
     uint64_t length = 0;
 };
@@ -430,7 +430,7 @@ TEST(ExtractPack, FilesOfAnInitialisedContextCannotBeRead)
         EXPECT_EQ(run.output("track001_rf.wav"), Bytes(46));
         EXPECT_EQ(run.progress.size(), 0u);
         for (const OSFILE file : hosts) {
-            uint64_t position = UNTOUCHED;
+            uint64_t position = NOT_WRITTEN;
             EXPECT_EQ(osTellFile(file, &position), 0u);
             EXPECT_EQ(position, 0u);
         }

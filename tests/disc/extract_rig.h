@@ -18,7 +18,7 @@ inline constexpr uint64_t NO_SAMG = 0x84001B5B, SAMG_NOT_READ = 0x84001B5C, INVA
                           VMG_NOT_READ = 0x84001B64, VTS_NOT_READ = 0x84001B65, NO_VMG = 0x84001B66,
                           NO_VTS = 0x84001B67, NO_LPCM = 0x84001B68, NO_SOURCE = 0x84001B69, NULL_ARGUMENT = 0x84000057;
 
-inline constexpr uint64_t UNTOUCHED = 0xEEEEEEEEEEEEEEEE;
+inline constexpr uint64_t NOT_WRITTEN = 0xEEEEEEEEEEEEEEEE;
 
 // ---- DVD-Audio --------------------------------------------------------------------------------------------------
 
@@ -126,7 +126,7 @@ struct Extraction {
     ExtractContext* context = nullptr;
     bool narrow = false;
     bool nullCallbacks = false;
-    uint64_t count = UNTOUCHED;
+    uint64_t count = NOT_WRITTEN;
     std::vector<InfoCall> infos;
     std::vector<ExtractProgressCall> progress;
     std::vector<OSFILE> files;
