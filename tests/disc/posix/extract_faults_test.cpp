@@ -146,7 +146,7 @@ TEST(ExtractFaults, FullDisk)
         for (const uint64_t limit : { uint64_t(0), uint64_t(1), uint64_t(45), uint64_t(46), uint64_t(47), uint64_t(446),
                                       uint64_t(500), whole - 1, whole }) {
             run.clearOutputs();
-            uint64_t result = UNTOUCHED;
+            uint64_t result = NOT_WRITTEN;
             {
                 const WriteLimit full(limit);
                 result = run.extract(0, pairs);
