@@ -78,12 +78,12 @@ static std::string menuSections(const DiscRun& run, const AudioDisc& disc)
     std::string text;
     for (uint64_t i = 0; i < disc.menus.size(); i++) {
         const AudioMenu& menu = disc.menus[i];
-        MenuSpec spec = { .background = menu.background ? *menu.background
-                                        : menu.units    ? shortUnits(menu.units, disc.pal() ? 1 : 2).bytes
-                                                        : stillAsset(menu.stillBytes),
-                          .subPicture = menu.subPicture ? *menu.subPicture : combBitmap(disc, menu.moreBytes),
-                          .keys = menu.keys };
-        text += menuSection(run, "AMG_MENU" + std::to_string(i + 1), spec);
+        MenuSpec files = { .background = menu.background ? *menu.background
+                                         : menu.units    ? shortUnits(menu.units, disc.pal() ? 1 : 2).bytes
+                                                         : stillAsset(menu.stillBytes),
+                           .subPicture = menu.subPicture ? *menu.subPicture : combBitmap(disc, menu.moreBytes),
+                           .keys = menu.keys };
+        text += menuSection(run, "AMG_MENU" + std::to_string(i + 1), files);
     }
     return text;
 }

@@ -15,14 +15,14 @@ uint64_t giveSamples(uint64_t track, uint8_t* buffer, uint64_t count, uint64_t c
                      uint64_t user)
 {
     Source& source = *reinterpret_cast<Source*>(uintptr_t(user));
-    const SoundSpec& spec = (*source.tracks)[track];
+    const SoundSpec& sound = (*source.tracks)[track];
     uint64_t& given = source.given[track][channel];
-    const uint64_t left = spec.samples - given, bytes = spec.bits / 8;
+    const uint64_t left = sound.samples - given, bytes = sound.bits / 8;
     const uint64_t now = std::min(left, count);
     for (uint64_t i = 0; i < now * bytes; i++) buffer[i] = uint8_t(given + i + 31 * channel);
     given += now;
     *outCount = now;
-    return given == spec.samples ? ORV_AOB_END : ORV_AOB_MORE;
+    return given == sound.samples ? ORV_AOB_END : ORV_AOB_MORE;
 }
 
 }   // namespace
