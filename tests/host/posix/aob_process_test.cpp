@@ -1,66 +1,18 @@
 // aob_process_test.cpp: `orven aob` under Ctrl-C, on a full disk, and with names that a project can't hold. POSIX only.
-#include "../process.h"
+#include "running.h"
 
 #include "tests/support/files.h"
 #include "tests/support/wave.h"
 
 #include <csignal>
-#include <fcntl.h>
-#include <functional>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int PATIENCE_MS = 60000;   // for a machine under load
-
-// `orven aob -t a/b --project p.ini s.wav`, after prepare has run in the new process. Standard output goes to the file
-// "out".
-pid_t startAob(const fs::path& folder, int err, const std::function<void()>& prepare)
-{
-    const std::string program = orvenProgram().string();
-    const pid_t child = fork();
-    if (child != 0) return child;
-    if (chdir(folder.c_str()) != 0) _exit(127);
-    dup2(open("out", O_WRONLY | O_CREAT, 0600), STDOUT_FILENO);
-    dup2(err, STDERR_FILENO);
-    prepare();
-    execl(program.c_str(), program.c_str(), "aob", "-t", "a/b", "--project", "p.ini", "s.wav", nullptr);
-    _exit(127);
-}
-
-int exitCodeOf(pid_t child)
-{
-    int status = 0;
-    EXPECT_EQ(waitpid(child, &status, 0), child);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-std::string readAll(int from)
-{
-    std::string text;
-    char bytes[4096];
-    for (ssize_t got = read(from, bytes, sizeof bytes); got > 0; got = read(from, bytes, sizeof bytes)) {
-        text.append(bytes, size_t(got));
-    }
-    close(from);
-    return text;
-}
-
-/** Fills a pipe, so that a program stands still in its first line on standard error until somebody reads. */
-size_t fill(int pipe)
-{
-    const int flags = fcntl(pipe, F_GETFL);
-    size_t bytes = 0;
-    fcntl(pipe, F_SETFL, flags | O_NONBLOCK);
-    while (write(pipe, ".", 1) == 1) bytes++;
-    fcntl(pipe, F_SETFL, flags);
-    return bytes;
-}
+const std::vector<std::string> AOB = { "aob", "-t", "a/b", "--project", "p.ini", "s.wav" };
 
 void writeSound(const TempDir& folder)
 {
@@ -71,22 +23,18 @@ TEST(AobProcess, CtrlCLeavesNothing)
 {
     const TempDir folder;
     writeSound(folder);
-    int ends[2] = { -1, -1 };
-    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
-    const size_t filled = fill(ends[1]);
-    const pid_t child = startAob(folder.root, ends[1], [] {});
-    close(ends[1]);
+    const Running run = startOrven(AOB, folder.root, 0);
     // The first line on standard error belongs to the first pack: by now the files are there.
     const fs::path made = folder.root / "a" / "b" / "ATS_01_1.AOB";
     std::error_code error;
     for (int waited = 0; waited < PATIENCE_MS && !fs::exists(made, error); waited++) usleep(1000);
     EXPECT_TRUE(fs::exists(folder.root / "p.ini"));
-    EXPECT_EQ(kill(child, SIGINT), 0);
-    const std::string text = readAll(ends[0]).substr(filled);
+    EXPECT_EQ(kill(run.child, SIGINT), 0);
+    const auto [exitCode, text] = finish(run);
     EXPECT_TRUE(text.ends_with("/a/b/ATS_01_1.AOB is not made\n")) << text;
     EXPECT_NE(text.find("error: interrupted; "), text.npos) << text;
     EXPECT_EQ(text.find("100%"), text.npos) << text;
-    EXPECT_EQ(exitCodeOf(child), 130);
+    EXPECT_EQ(exitCode, 130);
     EXPECT_FALSE(fs::exists(folder.root / "a"));
     EXPECT_FALSE(fs::exists(folder.root / "p.ini"));
     EXPECT_TRUE(fs::exists(folder.root / "s.wav"));
@@ -96,18 +44,10 @@ TEST(AobProcess, FullDiskLeavesNothing)
 {
     const TempDir folder;
     writeSound(folder);
-    int ends[2] = { -1, -1 };
-    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
-    const pid_t child = startAob(folder.root, ends[1], [] {
-        const rlimit limit = { 1 << 20, 1 << 20 };
-        setrlimit(RLIMIT_FSIZE, &limit);
-        signal(SIGXFSZ, SIG_IGN);
-    });
-    close(ends[1]);
-    const std::string text = readAll(ends[0]);
+    const auto [exitCode, text] = runPrepared(AOB, folder.root, limitFiles(1 << 20));
     EXPECT_NE(text.find("error: error 6021: cannot write into AOB file (0x84001785)\n  "), text.npos) << text;
     EXPECT_TRUE(text.ends_with("/a/b/ATS_01_1.AOB: the file can't be written\n  more: orven explain 6021\n")) << text;
-    EXPECT_EQ(exitCodeOf(child), 1);
+    EXPECT_EQ(exitCode, 1);
     EXPECT_FALSE(fs::exists(folder.root / "a"));
     EXPECT_FALSE(fs::exists(folder.root / "p.ini"));
 }
@@ -119,16 +59,7 @@ TEST(AobProcess, FailureLeavesTheFolderOfTheUser)
     writeSound(folder);
     fs::create_directories(folder.root / "a" / "b");
     writeFile(folder / u"a/b/ATS_02_1.AOB", std::string_view("mine"));
-    int ends[2] = { -1, -1 };
-    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
-    const pid_t child = startAob(folder.root, ends[1], [] {
-        const rlimit limit = { 1 << 20, 1 << 20 };
-        setrlimit(RLIMIT_FSIZE, &limit);
-        signal(SIGXFSZ, SIG_IGN);
-    });
-    close(ends[1]);
-    readAll(ends[0]);
-    EXPECT_EQ(exitCodeOf(child), 1);
+    EXPECT_EQ(runPrepared(AOB, folder.root, limitFiles(1 << 20)).exitCode, 1);
     EXPECT_EQ(readFile(folder / u"a/b/ATS_02_1.AOB").size(), 4u);
     EXPECT_FALSE(fs::exists(folder.root / "a" / "b" / "ATS_01_1.AOB"));
     EXPECT_FALSE(fs::exists(folder.root / "a" / "b" / "ATS_01.nfo"));

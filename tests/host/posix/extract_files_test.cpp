@@ -1,66 +1,23 @@
 // extract_files_test.cpp: `orven extract` under Ctrl-C, on a full disk, among links and pipes, and with names that are
 // not text. POSIX only.
+#include "running.h"
+
 #include "tests/host/extract_rig.h"
 
 #include <csignal>
-#include <fcntl.h>
-#include <functional>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int PATIENCE_MS = 60000;   // for a machine under load
-
 const AudioTrackSpec SHORT = { .samples = 3000 }, LONG = { .samples = 60000 };
 
 // ---- processes ----------------------------------------------------------------------------------------------------
 
-// `orven extract disc -o out`, after prepare has run in the new process. What it prints goes nowhere.
-pid_t startExtract(const fs::path& folder, int err, const std::function<void()>& prepare)
-{
-    const std::string program = orvenProgram().string();
-    const pid_t child = fork();
-    if (child != 0) return child;
-    if (chdir(folder.c_str()) != 0) _exit(127);
-    dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO);
-    dup2(err, STDERR_FILENO);
-    prepare();
-    execl(program.c_str(), program.c_str(), "extract", "disc", "-o", "out", "--force", nullptr);
-    _exit(127);
-}
-
-int exitCodeOf(pid_t child)
-{
-    int status = 0;
-    EXPECT_EQ(waitpid(child, &status, 0), child);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-std::string readAll(int from)
-{
-    std::string text;
-    char bytes[4096];
-    for (ssize_t got = read(from, bytes, sizeof bytes); got > 0; got = read(from, bytes, sizeof bytes)) {
-        text.append(bytes, size_t(got));
-    }
-    close(from);
-    return text;
-}
-
-/** Leaves room for so many bytes in a pipe, so that a program stands still when it has said more. */
-size_t fillBut(int pipe, size_t room)
-{
-    const int size = fcntl(pipe, F_SETPIPE_SZ, 4096);
-    const std::string filler(size_t(size) - room, '.');
-    EXPECT_EQ(write(pipe, filler.data(), filler.size()), ssize_t(filler.size()));
-    return filler.size();
-}
+const std::vector<std::string> EXTRACT = { "extract", "disc", "-o", "out", "--force" };
 
 void waitFor(const fs::path& file)
 {
@@ -75,17 +32,13 @@ TEST(ExtractProcess, CtrlCLeavesWholeTracksAlone)
     makeAudioDisc(folder.root / "disc" / "AUDIO_TS", { SHORT, LONG, SHORT });
     fs::create_directory(folder.root / "out");
     writeFile((folder.root / "out" / "track002_lrf.wav").u16string(), std::string_view("earlier"));
-    int ends[2] = { -1, -1 };
-    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
-    const size_t filled = fillBut(ends[1], 80);
-    const pid_t child = startExtract(folder.root, ends[1], [] {});
-    close(ends[1]);
+    const Running run = startOrven(EXTRACT, folder.root, 80);
     waitFor(folder.root / "out" / "track001_lrf.wav");
-    EXPECT_EQ(kill(child, SIGINT), 0);
-    const std::string text = readAll(ends[0]).substr(filled);
+    EXPECT_EQ(kill(run.child, SIGINT), 0);
+    const auto [exitCode, text] = finish(run);
     EXPECT_TRUE(text.ends_with("error: interrupted; track 2 is not made\nerror: 1 of 3 tracks is extracted\n")) << text;
     EXPECT_EQ(text.find("100%"), text.npos) << text;
-    EXPECT_EQ(exitCodeOf(child), 130);
+    EXPECT_EQ(exitCode, 130);
     EXPECT_EQ(namesIn(folder.root / "out"), (Names{ "track001_lrf.wav", "track002_lrf.wav" }));
     EXPECT_TRUE(discFile(folder.root / "out" / "track001_lrf.wav") == pairWave(SHORT, 0, 0, 1));
     EXPECT_EQ(discFile(folder.root / "out" / "track002_lrf.wav").size(), 7u);
@@ -96,14 +49,11 @@ TEST(ExtractProcess, StalledRunGoesOn)
 {
     const TempDir folder;
     makeAudioDisc(folder.root / "disc" / "AUDIO_TS", { SHORT, LONG, SHORT });
-    int ends[2] = { -1, -1 };
-    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
-    fillBut(ends[1], 80);
-    const pid_t child = startExtract(folder.root, ends[1], [] {});
-    close(ends[1]);
+    const Running run = startOrven(EXTRACT, folder.root, 80);
     waitFor(folder.root / "out" / "track001_lrf.wav");
-    EXPECT_TRUE(readAll(ends[0]).ends_with("100%  extracting track 3\n"));
-    EXPECT_EQ(exitCodeOf(child), 0);
+    const auto [exitCode, text] = finish(run);
+    EXPECT_TRUE(text.ends_with("100%  extracting track 3\n")) << text;
+    EXPECT_EQ(exitCode, 0);
     EXPECT_TRUE(discFile(folder.root / "out" / "track002_lrf.wav") == pairWave(LONG, 1, 0, 1));
 }
 
@@ -112,19 +62,11 @@ TEST(ExtractProcess, FullDiskLeavesWholeTracksAlone)
 {
     const TempDir folder;
     makeAudioDisc(folder.root / "disc" / "AUDIO_TS", { SHORT, LONG, SHORT });
-    int ends[2] = { -1, -1 };
-    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
-    const pid_t child = startExtract(folder.root, ends[1], [] {
-        const rlimit limit = { 20000, 20000 };
-        setrlimit(RLIMIT_FSIZE, &limit);
-        signal(SIGXFSZ, SIG_IGN);
-    });
-    close(ends[1]);
-    const std::string text = readAll(ends[0]);
+    const auto [exitCode, text] = runPrepared(EXTRACT, folder.root, limitFiles(20000));
     EXPECT_TRUE(text.ends_with("error: File too large (system error 27)\n  out: track 2 can't be written\n"
                                "  more: orven explain 27\nerror: 1 of 3 tracks is extracted\n"))
         << text;
-    EXPECT_EQ(exitCodeOf(child), 1);
+    EXPECT_EQ(exitCode, 1);
     EXPECT_EQ(namesIn(folder.root / "out"), Names{ "track001_lrf.wav" });
 }
 
@@ -205,14 +147,10 @@ TEST(ExtractFiles, FilesThatCannotBeRead)
         const fs::path file = folder.root / "disc" / expected.name;
         if (!fs::exists(file)) writeFile(file.u16string(), std::string_view("x"));
         fs::permissions(file, fs::perms::none);
-        int ends[2] = { -1, -1 };
-        ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
-        const pid_t child = startExtract(folder.root, ends[1], [] {
+        const auto [exitCode, text] = runPrepared(EXTRACT, folder.root, [] {
             if (geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0)) _exit(127);
         });
-        close(ends[1]);
-        const std::string text = readAll(ends[0]);
-        EXPECT_EQ(exitCodeOf(child), 1);
+        EXPECT_EQ(exitCode, 1);
         EXPECT_TRUE(text.starts_with("error: " + std::string(expected.code))) << text;
         EXPECT_NE(text.find("\n  disc/" + std::string(expected.name) + ": the file can't be opened for reading\n"),
                   text.npos)

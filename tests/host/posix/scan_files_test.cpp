@@ -1,80 +1,22 @@
 // scan_files_test.cpp: the commands around the stream scan under Ctrl-C, on a full disk, as a user who may not write,
 // with links and pipes, and with names that are not text. POSIX only.
-#include "../process.h"
+#include "running.h"
 
 #include "tests/host/scan_stream.h"
 #include "tests/support/elementary.h"
 
 #include <csignal>
-#include <fcntl.h>
 #include <fstream>
-#include <functional>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int PATIENCE_MS = 60000;   // for a machine under load
-
 const std::vector<std::string> SCAN = { "scan", "in.vob", "-o", "out.vob", "--scan-file", "out.scan" },
                                CHAPTERS = { "chapters", "m.vob", "-p", "p.ini", "-n", "1" };
-
-pid_t start(
-    const std::vector<std::string>& arguments, const fs::path& folder, int err,
-    const std::function<void()>& prepare = [] {})
-{
-    const std::string program = orvenProgram().string();
-    const pid_t child = fork();
-    if (child != 0) return child;
-    std::vector<char*> argv = { const_cast<char*>(program.c_str()) };
-    for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
-    argv.push_back(nullptr);
-    dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO);
-    dup2(err, STDERR_FILENO);
-    if (chdir(folder.c_str()) != 0) _exit(126);
-    prepare();
-    execv(program.c_str(), argv.data());
-    _exit(127);
-}
-
-int exitCodeOf(pid_t child)
-{
-    int status = 0;
-    EXPECT_EQ(waitpid(child, &status, 0), child);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-std::string readAll(int from)
-{
-    std::string text;
-    char bytes[4096];
-    for (ssize_t got = read(from, bytes, sizeof bytes); got > 0; got = read(from, bytes, sizeof bytes)) {
-        text.append(bytes, size_t(got));
-    }
-    close(from);
-    return text;
-}
-
-struct Ended {
-    int exitCode;
-    std::string err;
-};
-
-/** Runs to the end, after prepare has run in the new process. */
-Ended run(const std::vector<std::string>& arguments, const TempDir& folder, const std::function<void()>& prepare)
-{
-    int ends[2] = { -1, -1 };
-    EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
-    const pid_t child = start(arguments, folder.root, ends[1], prepare);
-    close(ends[1]);
-    const std::string text = readAll(ends[0]);
-    return { exitCodeOf(child), text };
-}
 
 // ---- Ctrl-C -------------------------------------------------------------------------------------------------------
 
@@ -92,19 +34,11 @@ bool catchesInterrupts(pid_t child)
 Ended interrupt(const std::vector<std::string>& arguments, const TempDir& folder, size_t room,
                 const std::function<bool()>& arrived)
 {
-    int ends[2] = { -1, -1 };
-    EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
-    const int page = int(sysconf(_SC_PAGESIZE));
-    EXPECT_EQ(fcntl(ends[1], F_SETPIPE_SZ, page), page);
-    const std::string filler(size_t(page) - room, '.');
-    EXPECT_EQ(write(ends[1], filler.data(), filler.size()), ssize_t(filler.size()));
-    const pid_t child = start(arguments, folder.root, ends[1]);
-    close(ends[1]);
-    for (int waited = 0; waited < PATIENCE_MS && !(catchesInterrupts(child) && arrived()); waited++) usleep(1000);
+    const Running run = startOrven(arguments, folder.root, room);
+    for (int waited = 0; waited < PATIENCE_MS && !(catchesInterrupts(run.child) && arrived()); waited++) usleep(1000);
     EXPECT_TRUE(arrived());
-    EXPECT_EQ(kill(child, SIGINT), 0);
-    const std::string text = readAll(ends[0]).substr(filler.size());
-    return { exitCodeOf(child), text };
+    EXPECT_EQ(kill(run.child, SIGINT), 0);
+    return finish(run);
 }
 
 // Five pieces of a megabyte.
@@ -174,20 +108,11 @@ TEST(ChaptersProcess, CtrlCWhileWriting)
 
 // ---- full disks ---------------------------------------------------------------------------------------------------
 
-std::function<void()> limitFiles(uint64_t bytes)
-{
-    return [bytes] {
-        const rlimit limit = { bytes, bytes };
-        setrlimit(RLIMIT_FSIZE, &limit);
-        signal(SIGXFSZ, SIG_IGN);
-    };
-}
-
 TEST(ScanProcess, NoRoomForTheMovie)
 {
     const TempDir folder;
     writeFile(folder / u"in.vob", longStream());
-    const Ended ended = run(SCAN, folder, limitFiles(1 << 20));
+    const Ended ended = runPrepared(SCAN, folder.root, limitFiles(1 << 20));
     EXPECT_EQ(ended.exitCode, 1);
     EXPECT_TRUE(ended.err.ends_with("error: Error 4019: write file to destination failed (0x84000FB3)\n"
                                     "  out.vob: the file can't be written\n  more: orven explain 4019\n"))
@@ -203,7 +128,7 @@ TEST(ScanProcess, NoRoomForTheScanFile)
     writeFile(folder / u"in.vob", scanStream(scanUnits(200, { .sectors = 1 })));
     for (const uint64_t room : { 0u, 10000u }) {
         writeFile(folder / u"out.scan", std::string_view("before"));
-        const Ended ended = run(SCAN, folder, limitFiles(room));
+        const Ended ended = runPrepared(SCAN, folder.root, limitFiles(room));
         EXPECT_EQ(ended.exitCode, 1);
         EXPECT_TRUE(ended.err.ends_with("error: File too large (system error 27)\n  out.scan: the scan file can't be "
                                         "written\n  more: orven explain 27\n"))
@@ -217,8 +142,8 @@ TEST(ScanProcess, NoRoomWhileMultiplexing)
 {
     const TempDir folder;
     writeFile(folder / u"v.m2v", makeVideo(gops(40)).bytes);
-    const Ended ended =
-        run({ "mux", "-q", "-o", "out.vob", "-v", "v.m2v", "--scan-file", "out.scan" }, folder, limitFiles(1 << 20));
+    const Ended ended = runPrepared({ "mux", "-q", "-o", "out.vob", "-v", "v.m2v", "--scan-file", "out.scan" },
+                                    folder.root, limitFiles(1 << 20));
     EXPECT_EQ(ended.exitCode, 1);
     EXPECT_EQ(ended.err, "error: Error 4019: write file to destination failed (0x84000FB3)\n"
                          "  out.vob: the file can't be written\n  more: orven explain 4019\n");
@@ -230,7 +155,7 @@ TEST(ChaptersProcess, PackThatCannotBeWritten)
 {
     const TempDir folder;
     writeMovie(folder);
-    const Ended ended = run(CHAPTERS, folder, limitFiles(30 * 2048));
+    const Ended ended = runPrepared(CHAPTERS, folder.root, limitFiles(30 * 2048));
     EXPECT_EQ(ended.exitCode, 1);
     EXPECT_TRUE(ended.err.ends_with("error: Error 4019: write file to destination failed (0x84000FB3)\n  m.vob, sector "
                                     "30: the pack can't be written; 9 of 29 are changed\n  more: orven explain 4019\n"))
@@ -252,7 +177,7 @@ TEST(ChaptersProcess, MovieOfAnotherUser)
     writeMovie(folder);
     fs::permissions(folder.root, fs::perms(0755));
     fs::permissions(folder.root / "m.vob", fs::perms(0444));
-    const Ended ended = run(CHAPTERS, folder, becomeNobody);
+    const Ended ended = runPrepared(CHAPTERS, folder.root, becomeNobody);
     EXPECT_EQ(ended.exitCode, 2);
     EXPECT_EQ(ended.err, "error: m.vob: the file can't be opened for writing\n");
 }
@@ -264,7 +189,7 @@ TEST(ScanProcess, ScanFileOfAnotherUser)
     writeFile(folder / u"out.scan", std::string_view("before"));
     fs::permissions(folder.root, fs::perms(0777));
     fs::permissions(folder.root / "out.scan", fs::perms(0444));
-    const Ended ended = run(SCAN, folder, becomeNobody);
+    const Ended ended = runPrepared(SCAN, folder.root, becomeNobody);
     EXPECT_EQ(ended.exitCode, 2);
     EXPECT_EQ(ended.err, "error: the scan file out.scan: the file can't be opened for writing\n");
     EXPECT_EQ(readFile(folder / u"out.scan").size(), 6u);
@@ -364,17 +289,17 @@ TEST(FixProcess, FullDisk)
 {
     const TempDir folder;
     makeDisc(folder);
-    const Ended titleSet = run(FIX, folder, limitFiles(0));
+    const Ended titleSet = runPrepared(FIX, folder.root, limitFiles(0));
     EXPECT_EQ(titleSet.exitCode, 1);
     EXPECT_EQ(titleSet.err, "error: File too large (system error 27)\n  disc: the IFO of a title set can't be read or "
                             "written\n  more: orven explain 27\n");
-    const Ended manager = run(FIX, folder, limitFiles(2048));
+    const Ended manager = runPrepared(FIX, folder.root, limitFiles(2048));
     EXPECT_EQ(manager.exitCode, 1);
     EXPECT_EQ(manager.err,
               "error: Error 2025: can't read from VMG IFO (0x840007E9)\n  disc/VIDEO_TS.IFO: the file can't "
               "be read or written\n  more: orven explain 2025\n");
     // With room again it is done.
-    EXPECT_EQ(run(FIX, folder, [] {}).exitCode, 0);
+    EXPECT_EQ(runOrven(FIX, folder.root).exitCode, 0);
 }
 
 TEST(FixProcess, DiscOfAnotherUser)
@@ -384,19 +309,19 @@ TEST(FixProcess, DiscOfAnotherUser)
     fs::permissions(folder.root, fs::perms(0755));
     fs::permissions(folder.root / "disc" / "VTS_01_0.IFO", fs::perms(0444));
     fs::permissions(folder.root / "disc" / "VIDEO_TS.IFO", fs::perms(0666));
-    const Ended ended = run(FIX, folder, becomeNobody);
+    const Ended ended = runPrepared(FIX, folder.root, becomeNobody);
     EXPECT_EQ(ended.exitCode, 1);
     EXPECT_EQ(ended.err, "error: disc/VTS_01_0.IFO: the file can't be opened for writing\n");
     // Where the tables may be written, but no new file be made.
     fs::permissions(folder.root / "disc" / "VTS_01_0.IFO", fs::perms(0666));
-    const Ended backup = run(FIX, folder, becomeNobody);
+    const Ended backup = runPrepared(FIX, folder.root, becomeNobody);
     EXPECT_EQ(backup.exitCode, 1);
     EXPECT_EQ(backup.err,
               "error: Error 2026: can't write clone from VMG IFO (0x840007EA)\n  disc/VIDEO_TS.BUP: the file "
               "can't be written\n  more: orven explain 2026\n");
     writeFile(folder / u"disc/VIDEO_TS.BUP", Bytes(10));
     fs::permissions(folder.root / "disc" / "VIDEO_TS.BUP", fs::perms(0666));
-    const Ended titleSet = run(FIX, folder, becomeNobody);
+    const Ended titleSet = runPrepared(FIX, folder.root, becomeNobody);
     EXPECT_EQ(titleSet.exitCode, 1);
     EXPECT_EQ(titleSet.err,
               "error: Error 2028: can't write clone from VTS IFO (0x840007EC)\n  disc/VTS_01_0.BUP: it can't be made a "
