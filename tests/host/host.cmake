@@ -3,6 +3,7 @@ if(WIN32)
   set(process ${CMAKE_CURRENT_LIST_DIR}/win32/process.cpp ${CMAKE_CURRENT_LIST_DIR}/win32/png_decode.cpp)
 else()
   set(process ${CMAKE_CURRENT_LIST_DIR}/posix/process.cpp ${CMAKE_CURRENT_LIST_DIR}/posix/running.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/posix/spoiled.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/agreement_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/aob_process_test.cpp ${CMAKE_CURRENT_LIST_DIR}/posix/audio_agreement_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/extract_files_test.cpp ${CMAKE_CURRENT_LIST_DIR}/posix/mux_interrupt_test.cpp

@@ -1,5 +1,7 @@
 // agreement_test.cpp: the host reads a refused project once more to find its line. Here it has to agree with the
 // library itself, over projects and bitmaps that chance has spoiled.
+#include "spoiled.h"
+
 #include "host/codes.h"
 #include "host/project_fault.h"
 #include "host/run_log.h"
@@ -10,7 +12,6 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <orven/orven.h>
-#include <random>
 
 namespace {
 
@@ -28,25 +29,6 @@ const char SOUND[] =
     "spuletterbox=l.bmp\nsubpicture32=s.bmp\nspuletterbox32=t.bmp\nbuttons=2\nbutton2=1,2,,,4,0,0,0,0,1,,(1,0,0)\n"
     "[VTS_02]\nrestricted=yes\nsource=c.vob\nstreamscanfile=d.scan\n[VTS_2_MENU]\nskipmenu=1\n";
 
-// One to three changes: a byte replaced, put in or taken out, or a line taken out.
-std::string spoiled(std::mt19937& chance)
-{
-    static const char bytes[] = "0123456789,,.():;= \t\f\x01\"'xA[]\n\r\xC3";
-    std::string text = SOUND;
-    for (uint64_t changes = 1 + chance() % 3; changes > 0; changes--) {
-        const size_t at = chance() % text.size();
-        const char byte = bytes[chance() % (sizeof bytes - 1)];
-        const size_t line = text.rfind('\n', at) == text.npos ? 0 : text.rfind('\n', at) + 1;
-        switch (chance() % 4) {
-        case 0: text[at] = byte; break;
-        case 1: text.insert(at, 1, byte); break;
-        case 2: text.erase(at, 1 + chance() % 3); break;
-        default: text.erase(line, text.find('\n', line) - line); break;
-        }
-    }
-    return text;
-}
-
 bool isReadersCode(uint64_t code)
 {
     return (code >= libraryCode(1000) && code < libraryCode(1100)) || code == CODE_TITLE_SETS || code == CODE_CHAPTERS;
@@ -61,7 +43,7 @@ TEST(Agreement, HostAndLibraryRefuseTheSameKey)
     std::mt19937 chance(12);
     int refusals = 0;
     for (int run = 0; run < count; run++) {
-        const std::string text = spoiled(chance);
+        const std::string text = spoiled(SOUND, chance);
         SCOPED_TRACE(text);
         writeFile(path, std::string_view(text));
         std::filesystem::remove(std::filesystem::path(log));

@@ -1,5 +1,7 @@
 // audio_agreement_test.cpp: the host reads a refused DVD-Audio project once more to find its line. Here it has to agree
 // with the library itself, over projects that chance has spoiled.
+#include "spoiled.h"
+
 #include "host/codes.h"
 #include "host/project_fault.h"
 #include "host/run_log.h"
@@ -11,7 +13,6 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <orven/orven.h>
-#include <random>
 
 namespace {
 
@@ -29,25 +30,6 @@ const char SOUND[] =
     "samplerate=192000\nstartsample=1\nendsample=9000\nchannel1=/x/ATS_01_1.AOB\n"
     "[ATS_02]\ntracks=1\n[TRACK_02_01]\nformat=LPCM\nassign=20\nsamplesize=16\nsamplerate=88200\nplaytime=900\n"
     "channel1=/x/ATS_02_1.AOB\nchannel6=/x/b.wav\n";
-
-// One to three changes: a byte replaced, put in or taken out, or a line taken out.
-std::string spoiled(std::mt19937& chance)
-{
-    static const char bytes[] = "0123456789,,.():;= \t\f\x01\"'xA[]\n\r\xC3";
-    std::string text = SOUND;
-    for (uint64_t changes = 1 + chance() % 3; changes > 0; changes--) {
-        const size_t at = chance() % text.size();
-        const char byte = bytes[chance() % (sizeof bytes - 1)];
-        const size_t line = text.rfind('\n', at) == text.npos ? 0 : text.rfind('\n', at) + 1;
-        switch (chance() % 4) {
-        case 0: text[at] = byte; break;
-        case 1: text.insert(at, 1, byte); break;
-        case 2: text.erase(at, 1 + chance() % 3); break;
-        default: text.erase(line, text.find('\n', line) - line); break;
-        }
-    }
-    return text;
-}
 
 // Codes that tell of the files of a project, or of the tables: the run has come so far.
 bool isStagesCode(uint64_t code)
@@ -69,7 +51,7 @@ TEST(AudioAgreement, HostAndLibraryRefuseTheSameKey)
     std::mt19937 chance(6);
     int refusals = 0, explained = 0, unread = 0;
     for (int run = 0; run < count; run++) {
-        const std::string text = spoiled(chance);
+        const std::string text = spoiled(SOUND, chance);
         SCOPED_TRACE(text);
         writeFile(path, std::string_view(text));
         std::filesystem::remove(std::filesystem::path(log));
