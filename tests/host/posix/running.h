@@ -53,3 +53,6 @@ int statusOf(pid_t child);
 
 /** As on a full disk: no file can be longer. */
 Prepare limitFiles(uint64_t bytes);
+
+/** In the new process: files refuse what their permissions refuse, also to root. */
+void obeyPermissions();

@@ -35,6 +35,20 @@ static std::wstring commandLineOf(const std::vector<std::string>& arguments)
     return line;
 }
 
+// Wine under load refuses a process now and then, with an error of its own. Nothing has run then, so it is tried again.
+static BOOL startProcess(std::wstring line, const fs::path& folder, STARTUPINFOW* start, PROCESS_INFORMATION* process)
+{
+    constexpr int TRIES = 5;
+    constexpr DWORD PAUSE_MS = 200;
+    for (int tries = 1;; tries++) {
+        if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, folder.c_str(), start, process)) {
+            return TRUE;
+        }
+        if (tries == TRIES || GetLastError() != ERROR_INTERNAL_ERROR) return FALSE;
+        Sleep(PAUSE_MS);
+    }
+}
+
 ProcessResult runOrven(const std::vector<std::string>& arguments, const fs::path& folder)
 {
     const TempDir outputs;
@@ -46,10 +60,8 @@ ProcessResult runOrven(const std::vector<std::string>& arguments, const fs::path
     start.hStdOutput = createOutput(out);
     start.hStdError = createOutput(err);
     PROCESS_INFORMATION process = {};
-    std::wstring line = commandLineOf(arguments);
     DWORD exitCode = DWORD(-1);
-    const BOOL started =
-        CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, folder.c_str(), &start, &process);
+    const BOOL started = startProcess(commandLineOf(arguments), folder, &start, &process);
     EXPECT_TRUE(started) << GetLastError();
     if (started) {
         WaitForSingleObject(process.hProcess, INFINITE);
