@@ -66,7 +66,7 @@ static std::string notOwnWhy(const fs::path& path)
     return notWritableWhy(path);
 }
 
-static StreamFault tableFault(const fs::path& path, const char* mark, uint64_t shortCode)
+static FileFault tableFault(const fs::path& path, const char* mark, uint64_t shortCode)
 {
     Sector sector;
     if (const std::string why = notReadableWhy(path); !why.empty()) return { 0, why };
@@ -93,7 +93,7 @@ static DiscFault managerFault(const DiscFiles& disc)
 {
     Sector header, titles;
     const fs::path ifo = managerFile(disc, "IFO");
-    if (StreamFault fault = tableFault(ifo, MANAGER_MARK, CODE_MANAGER_READ)) return { ifo, fault };
+    if (FileFault fault = tableFault(ifo, MANAGER_MARK, CODE_MANAGER_READ)) return { ifo, fault };
     if (!readSector(ifo, 0, &header) || !readSector(ifo, numberAt(header, TITLE_TABLE_AT, 4), &titles))
         return { ifo, { CODE_MANAGER_READ, "its title search table would lie behind its end" } };
     return writableFault(ifo, managerFile(disc, "BUP"));
@@ -103,7 +103,7 @@ static DiscFault skippedFault(const DiscFiles& disc, uint64_t number)
 {
     const fs::path ifo = titleSetFile(disc.previous, number, 0, "IFO"),
                    ninth = titleSetFile(disc.previous, number, 9, "VOB");
-    if (StreamFault fault = tableFault(ifo, TITLE_SET_MARK, CODE_TITLE_SET_READ)) return { ifo, fault };
+    if (FileFault fault = tableFault(ifo, TITLE_SET_MARK, CODE_TITLE_SET_READ)) return { ifo, fault };
     if (notReadableWhy(ninth).empty()) return {};
     const std::string name = "title set " + std::to_string(number);
     return { ninth,
@@ -115,7 +115,7 @@ static DiscFault skippedFault(const DiscFiles& disc, uint64_t number)
 static DiscFault titleSetFault(const DiscFiles& disc, uint64_t number)
 {
     const fs::path ifo = titleSetFile(disc.folder, number, 0, "IFO");
-    if (StreamFault fault = tableFault(ifo, TITLE_SET_MARK, CODE_TITLE_SET_READ)) return { ifo, fault };
+    if (FileFault fault = tableFault(ifo, TITLE_SET_MARK, CODE_TITLE_SET_READ)) return { ifo, fault };
     return writableFault(ifo, titleSetFile(disc.folder, number, 0, "BUP"));
 }
 
@@ -123,7 +123,7 @@ DiscFault planTitleSets(const ProjectFile& project, DiscFiles* disc)
 {
     Sector header;
     const fs::path ifo = managerFile(*disc, "IFO");
-    if (StreamFault fault = tableFault(ifo, MANAGER_MARK, CODE_MANAGER_READ)) return { ifo, fault };
+    if (FileFault fault = tableFault(ifo, MANAGER_MARK, CODE_MANAGER_READ)) return { ifo, fault };
     if (!readSector(ifo, 0, &header)) return { ifo, { CODE_MANAGER_READ, "the file can't be read" } };
     const uint64_t count = numberAt(header, TITLE_SETS_AT, 2);
     for (uint64_t number = 1; number <= count; number++) {

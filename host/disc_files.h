@@ -18,7 +18,7 @@ struct DiscFiles {
 // A fault and the file that it is about.
 struct DiscFault {
     std::filesystem::path path = {};
-    StreamFault fault = {};
+    FileFault fault = {};
 
     explicit operator bool() const
     {

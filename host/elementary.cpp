@@ -10,7 +10,7 @@
 #include <vector>
 
 // A fault in the words of the library, or in the host's own.
-static StreamFault fault(uint64_t code, const std::string& why)
+static FileFault fault(uint64_t code, const std::string& why)
 {
     return { code, why };
 }
@@ -40,7 +40,7 @@ static std::string rateText(uint64_t rateCode)
     return rateCode >= 1 && rateCode <= std::size(rates) ? rates[rateCode - 1] : "an unknown number of";
 }
 
-static StreamFault readVideo(const uint8_t* head, uint64_t bytes, StreamFormat* format)
+static FileFault readVideo(const uint8_t* head, uint64_t bytes, StreamFormat* format)
 {
     format->kind = STREAM_VIDEO;
     format->bytes = bytes;
@@ -78,7 +78,7 @@ static uint64_t ac3FrameBytes(uint8_t sizeCode)
     return pair < std::size(rates) ? rates[pair] * AC3_BYTES_PER_KBIT : 0;
 }
 
-static StreamFault readAc3(const uint8_t* head, uint64_t bytes, StreamFormat* format)
+static FileFault readAc3(const uint8_t* head, uint64_t bytes, StreamFormat* format)
 {
     format->kind = STREAM_AC3;
     format->bytes = bytes;
@@ -89,10 +89,10 @@ static StreamFault readAc3(const uint8_t* head, uint64_t bytes, StreamFormat* fo
     if (sizeCode & NOT_48_KHZ) return fault(CODE_SOUND_RATE, "it has not 48000 samples a second");
     format->unitBytes = ac3FrameBytes(sizeCode);
     format->kbits = format->unitBytes / AC3_BYTES_PER_KBIT;
-    return format->unitBytes ? StreamFault{} : fault(0, "its first AC-3 frame is damaged: it tells no size");
+    return format->unitBytes ? FileFault{} : fault(0, "its first AC-3 frame is damaged: it tells no size");
 }
 
-static StreamFault readLayer2(const uint8_t* head, uint64_t bytes, StreamFormat* format)
+static FileFault readLayer2(const uint8_t* head, uint64_t bytes, StreamFormat* format)
 {
     static constexpr uint16_t rates[16] = { 0, 32, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320, 384, 0 };
     static constexpr uint8_t layers[4] = { 0, 3, 2, 1 };
@@ -106,7 +106,7 @@ static StreamFault readLayer2(const uint8_t* head, uint64_t bytes, StreamFormat*
     format->kbits = rates[head[2] >> 4];
     format->unitTicks = LAYER2_TICKS;
     format->unitBytes = format->kbits * LAYER2_BYTES_PER_KBIT;
-    return format->kbits ? StreamFault{} : fault(0, "its bit rate is none of the fixed ones");
+    return format->kbits ? FileFault{} : fault(0, "its bit rate is none of the fixed ones");
 }
 
 bool isFrameOf(const StreamFormat& format, const uint8_t* head)
@@ -145,7 +145,7 @@ static const ForeignStart FOREIGN[] = {
     { "fLaC"sv, 0, "it is FLAC; a DVD has LPCM, so write it as RIFF/WAVE" },
 };
 
-static StreamFault nothingKnown(std::string_view head)
+static FileFault nothingKnown(std::string_view head)
 {
     for (const ForeignStart& foreign : FOREIGN) {
         if (head.substr(foreign.at).starts_with(foreign.start)) return fault(0, foreign.why);
@@ -155,7 +155,7 @@ static StreamFault nothingKnown(std::string_view head)
                  "or RIFF/WAVE");
 }
 
-StreamFault recogniseStream(std::istream& in, uint64_t bytes, StreamFormat* format)
+FileFault recogniseStream(std::istream& in, uint64_t bytes, StreamFormat* format)
 {
     constexpr uint64_t HEAD_BYTES = 16;
     std::vector<uint8_t> head(HEAD_BYTES);

@@ -1,6 +1,8 @@
 // elementary.h: files that hold one elementary stream: what it is, told by its bytes and not by its name.
 #pragma once
 
+#include "file_fault.h"
+
 #include <array>
 #include <cstdint>
 #include <istream>
@@ -25,19 +27,8 @@ struct StreamFormat {
     std::array<uint8_t, WAVE_FORMAT_BYTES> wave = {};   // LPCM: a WAVEFORMATEX of plain PCM
 };
 
-// Why a stream can't be multiplexed.
-struct StreamFault {
-    uint64_t code = 0;      // of the library; 0 if the library has none for it
-    std::string why = {};   // empty: there is no fault
-
-    explicit operator bool() const
-    {
-        return !why.empty();
-    }
-};
-
 /** Tells what a file of so many bytes holds. */
-StreamFault recogniseStream(std::istream& in, uint64_t bytes, StreamFormat* format);
+FileFault recogniseStream(std::istream& in, uint64_t bytes, StreamFormat* format);
 
 /** "AC-3, 192 kbit/s". */
 std::string streamText(const StreamFormat& format);

@@ -4,7 +4,6 @@
 
 #include "cli.h"
 #include "codes.h"
-#include "explain.h"
 #include "extract_disc.h"
 #include "interrupt.h"
 #include "named_file.h"
@@ -39,23 +38,6 @@ struct ExtractRun {
 
 // ---- what there is to say -----------------------------------------------------------------------------------------
 
-static void printFault(const fs::path& file, const ExtractFault& fault)
-{
-    const std::string name = printablePath(file);
-    if (fault.code) {
-        platformPrintError("error: " + resultLine(fault.code, platformResultText(fault.code)) + "\n  " + name + ": " +
-                           fault.why + "\n" + moreLine(fault.code));
-    } else {
-        platformPrintError("error: " + name + ": " + fault.why + "\n");
-    }
-}
-
-static int reportExtract(const fs::path& file, const ExtractFault& fault)
-{
-    printFault(file, fault);
-    return EXIT_RUN_FAILED;
-}
-
 static std::string counted(uint64_t count, const std::string& noun)
 {
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
@@ -72,7 +54,7 @@ static void printTracks(const ExtractRun& run)
                   ", " + counted(run.tracks.size(), "track") + "\n");
     uint64_t number = 0;
     for (const ExtractTrack& track : run.tracks) {
-        const ExtractFault fault = trackFault(run.disc.kind, track);
+        const FileFault fault = trackFault(run.disc.kind, track);
         number++;
         platformPrint("track " + std::to_string(number) + ": " + trackText(run.disc.kind, track) + "\n" +
                       (fault ? "  can't be extracted: " + fault.why + "\n" : ""));
@@ -116,30 +98,29 @@ static void onTrack(const ExtractTrack* track, uint64_t, uint64_t user)
 static int openDisc(ExtractRun* run)
 {
     fs::path file;
-    if (ExtractFault fault = folderFault(run->disc, &file)) return reportExtract(file, fault);
+    if (FileFault fault = folderFault(run->disc, &file)) return reportFault(file, fault);
     run->tracks.reserve(UINT8_MAX);   // more than a disc has: onTrack must not throw
     uint64_t code = platformCreateExtract(run->disc.folder, run->folder, &run->context);
-    if (code)
-        return reportExtract(run->disc.folder, { code, "the library can't take the name of it or of the output" });
+    if (code) return reportFault(run->disc.folder, { code, "the library can't take the name of it or of the output" });
     code = d2wOpenDisc(run->context, nullptr, onTrack, reinterpret_cast<uint64_t>(run));
     if (!code) return EXIT_DONE;
-    const ExtractFault fault = openFault(run->disc, code, run->tracks.size(), &file);
-    return reportExtract(file, fault);
+    const FileFault fault = openFault(run->disc, code, run->tracks.size(), &file);
+    return reportFault(file, fault);
 }
 
 /** Takes the tracks that were asked for and can be extracted, and says what is wrong with the others. */
 static int chooseTracks(ExtractRun* run)
 {
     const uint64_t one = run->options->track, count = run->tracks.size();
-    if (count == 0) return reportExtract(tableOf(*run), { 0, "the disc has no tracks" });
+    if (count == 0) return reportFault(tableOf(*run), { 0, "the disc has no tracks" });
     if (one > count) {
-        return reportExtract(tableOf(*run), { CODE_EXTRACT_NO_TRACK, "there is no track " + std::to_string(one) +
-                                                                         "; the disc has " + counted(count, "track") });
+        return reportFault(tableOf(*run), { CODE_EXTRACT_NO_TRACK, "there is no track " + std::to_string(one) +
+                                                                       "; the disc has " + counted(count, "track") });
     }
     for (uint64_t number = one ? one : 1; number <= (one ? one : count); number++) {
         const ExtractTrack& track = run->tracks[number - 1];
-        if (ExtractFault fault = trackFault(run->disc.kind, track)) {
-            printFault(tableOf(*run), { fault.code, "track " + std::to_string(number) + ": " + fault.why });
+        if (FileFault fault = trackFault(run->disc.kind, track)) {
+            (void)reportFault(tableOf(*run), { fault.code, "track " + std::to_string(number) + ": " + fault.why });
             run->refused++;
             continue;
         }
@@ -214,7 +195,7 @@ static void onProgress(uint64_t, uint64_t, uint64_t done, const char*, uint64_t 
 }
 
 /** Gives a whole track's files their names. A track that can't have all of them has none. */
-static ExtractFault publish(ExtractRun* run, fs::path* file)
+static FileFault publish(ExtractRun* run, fs::path* file)
 {
     const size_t before = run->made.size();
     for (const std::string& name : namesOf(*run, run->number)) {
@@ -247,7 +228,7 @@ static bool isOfTheDisc(uint64_t code)
     return code == CODE_EXTRACT_UNREAD || code == CODE_EXTRACT_NO_PACK;
 }
 
-static ExtractFault trackFailure(const ExtractRun& run, uint64_t code, fs::path* file)
+static FileFault trackFailure(const ExtractRun& run, uint64_t code, fs::path* file)
 {
     const ExtractTrack& track = run.tracks[run.number - 1];
     if (isOfTheDisc(code))
@@ -273,9 +254,9 @@ static int extractTrack(ExtractRun* run)
     if (!run->context) return reportInterrupt(run);
     fs::path file;
     const size_t before = run->made.size();
-    if (ExtractFault fault = code ? trackFailure(*run, code, &file) : publish(run, &file)) {
+    if (FileFault fault = code ? trackFailure(*run, code, &file) : publish(run, &file)) {
         platformPrintError(progressEnd(&run->display));
-        printFault(file, fault);
+        (void)reportFault(file, fault);
         return isOfTheDisc(code) ? EXIT_DONE : EXIT_RUN_FAILED;
     }
     run->done++;
@@ -314,7 +295,7 @@ static int extractIntoFolder(ExtractRun* run)
     if (const int failed = makeFolder(run->options->out)) return failed;
     if (!fs::create_directory(run->folder, error)) {
         const std::string why = error ? error.message() : "something has taken its name";
-        return reportExtract(run->folder, { 0, "the folder can't be made: " + why });
+        return reportFault(run->folder, { 0, "the folder can't be made: " + why });
     }
     const int failed = extractTracks(run);
     fs::remove(run->folder, error);

@@ -63,7 +63,7 @@ static bool isPlainOrMissing(const fs::path& path)
     return !fs::exists(there) || fs::is_regular_file(there);
 }
 
-ExtractFault folderFault(const DiscFolder& disc, fs::path* file)
+FileFault folderFault(const DiscFolder& disc, fs::path* file)
 {
     std::vector<std::string> names(std::begin(TABLES), std::end(TABLES));
     for (const DiscKind kind : { DISC_AUDIO, DISC_VIDEO }) {
@@ -89,7 +89,7 @@ static std::string smallWhy(const fs::path& file, uint64_t least)
     return bytes < least ? "it has " + bytesText(bytes) + ", fewer than its table needs" : "it can't be read";
 }
 
-static ExtractFault losslessFault(const DiscFolder& disc, uint64_t tracks)
+static FileFault losslessFault(const DiscFolder& disc, uint64_t tracks)
 {
     const bool video = isThere(disc.folder / ".." / "VIDEO_TS" / "VIDEO_TS.IFO");
     return { CODE_EXTRACT_MLP,
@@ -113,7 +113,7 @@ static std::string unreadableWhy(const DiscFolder& disc, fs::path* file)
     return "";
 }
 
-ExtractFault openFault(const DiscFolder& disc, uint64_t code, uint64_t tracks, fs::path* file)
+FileFault openFault(const DiscFolder& disc, uint64_t code, uint64_t tracks, fs::path* file)
 {
     constexpr uint64_t AUDIO_TABLE_BYTES = 16384;
     const fs::path audio = disc.folder / TABLES[0], manager = disc.folder / TABLES[1],
@@ -156,8 +156,8 @@ static fs::path partOf(const DiscFolder& disc, uint64_t sector, uint64_t* at)
     return disc.folder;
 }
 
-ExtractFault readFault(const DiscFolder& disc, uint64_t code, const ExtractTrack& track, uint64_t number,
-                       uint64_t sector, fs::path* file)
+FileFault readFault(const DiscFolder& disc, uint64_t code, const ExtractTrack& track, uint64_t number, uint64_t sector,
+                    fs::path* file)
 {
     const uint64_t sectors = sectorsOf(disc);
     const std::string name = "track " + std::to_string(number);

@@ -68,7 +68,7 @@ std::string trackText(DiscKind kind, const ExtractTrack& track)
            " bits, " + channelsText(kind, track);
 }
 
-ExtractFault trackFault(DiscKind kind, const ExtractTrack& track)
+FileFault trackFault(DiscKind kind, const ExtractTrack& track)
 {
     const bool two = hasTwoGroups(kind, track);
     if (!layoutOf(track)) {

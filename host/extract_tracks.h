@@ -1,6 +1,8 @@
 // extract_tracks.h: what `orven extract` says of a disc's tracks, and the names of their files.
 #pragma once
 
+#include "file_fault.h"
+
 #include <orven/extract.h>
 
 #include <cstdint>
@@ -9,17 +11,6 @@
 
 enum DiscKind { DISC_AUDIO, DISC_VIDEO };
 
-// Why something can't be extracted.
-struct ExtractFault {
-    uint64_t code = 0;      // of the library; 0 if the library has none for it
-    std::string why = {};   // empty: there is no fault
-
-    explicit operator bool() const
-    {
-        return !why.empty();
-    }
-};
-
 /** Minutes, seconds and thousandths of a time in ticks: "03:25.480". */
 std::string lengthText(uint32_t ticks);
 
@@ -27,7 +18,7 @@ std::string lengthText(uint32_t ticks);
 std::string trackText(DiscKind kind, const ExtractTrack& track);
 
 /** What keeps a track from becoming files that play. */
-ExtractFault trackFault(DiscKind kind, const ExtractTrack& track);
+FileFault trackFault(DiscKind kind, const ExtractTrack& track);
 
 /** Names of a track's files, for a track without a fault. number: from 1 */
 std::vector<std::string> waveNames(const ExtractTrack& track, uint64_t number, bool mono);

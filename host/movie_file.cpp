@@ -22,10 +22,10 @@ bool writeMovie(MovieFile* movie, const uint8_t* sectors, uint64_t bytes)
     return !movie->refused;
 }
 
-StreamFault closeMovie(MovieFile* movie)
+FileFault closeMovie(MovieFile* movie)
 {
     movie->out.close();
-    return movie->refused || movie->out.fail() ? movieFault() : StreamFault{};
+    return movie->refused || movie->out.fail() ? movieFault() : FileFault{};
 }
 
 void dropMovie(MovieFile* movie)
@@ -35,7 +35,7 @@ void dropMovie(MovieFile* movie)
     if (movie->made) std::filesystem::remove(movie->path, error);
 }
 
-StreamFault movieFault()
+FileFault movieFault()
 {
     return { CODE_WRITE_FAILED, "the file can't be written" };
 }

@@ -23,10 +23,10 @@ bool openMovie(MovieFile* movie);
 bool writeMovie(MovieFile* movie, const uint8_t* sectors, uint64_t bytes);
 
 /** Ends the file. */
-StreamFault closeMovie(MovieFile* movie);
+FileFault closeMovie(MovieFile* movie);
 
 /** Removes what this run has made: half a movie looks like a whole one. */
 void dropMovie(MovieFile* movie);
 
 /** The fault of a movie that can't be written. */
-StreamFault movieFault();
+FileFault movieFault();

@@ -59,7 +59,7 @@ static int checkUsage(const MuxOptions& options)
     return checkScanUsage(options.scan);
 }
 
-static StreamFault misplacedWhy(const MuxOptions& options, const MuxSource& source, bool video)
+static FileFault misplacedWhy(const MuxOptions& options, const MuxSource& source, bool video)
 {
     const StreamFormat& format = source.format;
     if (video && format.kind != STREAM_VIDEO) return { 0, "it is no video but " + streamText(format) };
@@ -80,8 +80,8 @@ static int openSources(MuxRun* run)
         const bool video = run->sources.empty();
         MuxSource& source = run->sources.emplace_back();
         source.path = path;
-        if (StreamFault fault = openSource(&source)) return reportFault(path, fault);
-        if (StreamFault fault = misplacedWhy(*run->options, source, video)) return reportFault(path, fault);
+        if (FileFault fault = openSource(&source)) return reportFault(path, fault);
+        if (FileFault fault = misplacedWhy(*run->options, source, video)) return reportFault(path, fault);
     }
     return EXIT_DONE;
 }
@@ -119,7 +119,7 @@ static int reportMisfit(const MuxRun& run, uint64_t code)
                        { code, "the streams do not fit together, near second " + std::string(second) });
 }
 
-static int reportStop(MuxRun* run, const fs::path& path, const StreamFault& fault)
+static int reportStop(MuxRun* run, const fs::path& path, const FileFault& fault)
 {
     platformPrintError(progressEnd(&run->display));
     if (run->scan.fault) return reportFault(run->scan.fault.path, run->scan.fault.fault);
@@ -139,7 +139,7 @@ static int feedAll(MuxContext* handle, MuxRun* run)
 {
     while (MuxSource* source = nextSource(&run->sources)) {
         if (isInterrupted()) return reportInterrupt(run);
-        if (StreamFault fault = deliverNext(handle, &run->sources, source)) return reportStop(run, source->path, fault);
+        if (FileFault fault = deliverNext(handle, &run->sources, source)) return reportStop(run, source->path, fault);
         showProgress(run);
     }
     for (const MuxSource& source : run->sources) {
@@ -164,7 +164,7 @@ static int endOutput(MuxRun* run)
     if (run->scans) {
         return endScan(&run->scan) ? EXIT_DONE : reportFault(run->scan.fault.path, run->scan.fault.fault);
     }
-    if (StreamFault fault = closeMovie(&run->output)) return reportFault(path, fault);
+    if (FileFault fault = closeMovie(&run->output)) return reportFault(path, fault);
     return EXIT_DONE;
 }
 

@@ -18,16 +18,16 @@ static constexpr uint64_t FIRST_PICTURES = 4, MOST_FIRST_BYTES = 1 << 20;
 // as large.
 static constexpr uint64_t AHEAD_VIDEO = 262144, AHEAD_LPCM = 131072, AHEAD_FRAMES = 16384;
 
-static StreamFault unreadable()
+static FileFault unreadable()
 {
     return { CODE_READ_FAILED, "the file can't be read" };
 }
 
-StreamFault openSource(MuxSource* source)
+FileFault openSource(MuxSource* source)
 {
     source->in.open(source->path, std::ios::binary);
     if (!source->in) return unreadable();
-    if (StreamFault fault = recogniseStream(source->in, fileBytes(source->path), &source->format)) return fault;
+    if (FileFault fault = recogniseStream(source->in, fileBytes(source->path), &source->format)) return fault;
     source->in.clear();
     source->in.seekg(std::streamoff(source->format.from));
     return {};
@@ -97,19 +97,19 @@ static uint64_t leftOf(const MuxSource& source)
     return source.format.bytes - source.delivered;
 }
 
-static StreamFault resultOf(uint64_t code)
+static FileFault resultOf(uint64_t code)
 {
-    return code ? StreamFault{ code, "the multiplexer goes no further" } : StreamFault{};
+    return code ? FileFault{ code, "the multiplexer goes no further" } : FileFault{};
 }
 
-static StreamFault giveChunk(MuxContext* handle, MuxSource* source, const std::vector<uint8_t>& chunk)
+static FileFault giveChunk(MuxContext* handle, MuxSource* source, const std::vector<uint8_t>& chunk)
 {
     source->delivered += chunk.size();
     return resultOf(MuxData(handle, source->stream, chunk.data(), chunk.size(), nullptr, 0));
 }
 
 /** One piece of video, counted. The last one takes what would be too short for a chunk of its own. */
-static StreamFault readPiece(MuxSource* source, std::vector<uint8_t>* chunk)
+static FileFault readPiece(MuxSource* source, std::vector<uint8_t>* chunk)
 {
     const uint64_t left = leftOf(*source) - chunk->size();
     const uint64_t count = left < PIECE_BYTES + HEADER_ROOM ? left : PIECE_BYTES, at = chunk->size();
@@ -119,14 +119,14 @@ static StreamFault readPiece(MuxSource* source, std::vector<uint8_t>* chunk)
     return source->watch.fault;
 }
 
-static StreamFault deliverVideo(MuxContext* handle, MuxSource* source)
+static FileFault deliverVideo(MuxContext* handle, MuxSource* source)
 {
     std::vector<uint8_t> chunk;
-    if (StreamFault fault = readPiece(source, &chunk)) return fault;
+    if (FileFault fault = readPiece(source, &chunk)) return fault;
     const bool first = source->delivered == 0;
     while (first && source->watch.pictures < FIRST_PICTURES && chunk.size() < leftOf(*source) &&
            chunk.size() < MOST_FIRST_BYTES) {
-        if (StreamFault fault = readPiece(source, &chunk)) return fault;
+        if (FileFault fault = readPiece(source, &chunk)) return fault;
     }
     if (source->watch.pictures == 0) return { 0, "no picture begins in its first " + bytesText(chunk.size()) };
     return giveChunk(handle, source, chunk);
@@ -161,7 +161,7 @@ static uint64_t endSound(MuxContext* handle, MuxSource* source)
 }
 
 /** Whether frames are as the first one is; they begin at multiples of its size. */
-static StreamFault checkFrames(const MuxSource& source, uint64_t at, const std::vector<uint8_t>& bytes)
+static FileFault checkFrames(const MuxSource& source, uint64_t at, const std::vector<uint8_t>& bytes)
 {
     const uint64_t unit = source.format.unitBytes;
     for (uint64_t i = (unit - at % unit) % unit; i + FRAME_HEAD_BYTES <= bytes.size(); i += unit) {
@@ -172,18 +172,18 @@ static StreamFault checkFrames(const MuxSource& source, uint64_t at, const std::
     return {};
 }
 
-static StreamFault deliverAc3(MuxContext* handle, MuxSource* source)
+static FileFault deliverAc3(MuxContext* handle, MuxSource* source)
 {
     const uint64_t unit = source->format.unitBytes, most = std::max<uint64_t>(1, FRAMES_BYTES / unit) * unit;
     std::vector<uint8_t> chunk;
     const uint64_t whole = leftOf(*source) / unit * unit;
     if (!readBytes(source, std::min(most, whole), &chunk)) return unreadable();
-    if (StreamFault fault = checkFrames(*source, source->delivered, chunk)) return fault;
+    if (FileFault fault = checkFrames(*source, source->delivered, chunk)) return fault;
     for (uint64_t i = 0; source->format.exchanged && i + 1 < chunk.size(); i += 2) std::swap(chunk[i], chunk[i + 1]);
     return giveChunk(handle, source, chunk);
 }
 
-static StreamFault deliverLpcm(MuxContext* handle, MuxSource* source)
+static FileFault deliverLpcm(MuxContext* handle, MuxSource* source)
 {
     constexpr uint64_t MARK_BYTES = 4, PART_OF_A_MARK = 2;
     std::vector<uint8_t> chunk;
@@ -193,14 +193,14 @@ static StreamFault deliverLpcm(MuxContext* handle, MuxSource* source)
                                                      std::memcmp(chunk.data(), "END ", MARK_BYTES) == 0);
     if (mark) {
         const std::vector<uint8_t> start(chunk.begin(), chunk.begin() + PART_OF_A_MARK);
-        if (StreamFault fault = giveChunk(handle, source, start)) return fault;
+        if (FileFault fault = giveChunk(handle, source, start)) return fault;
         chunk.erase(chunk.begin(), chunk.begin() + PART_OF_A_MARK);
     }
     return giveChunk(handle, source, chunk);
 }
 
 /** The multiplexer reads as much as it has room for. */
-static StreamFault deliverFile(MuxContext* handle, MuxSource* source)
+static FileFault deliverFile(MuxContext* handle, MuxSource* source)
 {
     const uint8_t none = 0;
     uint64_t used = 0;
@@ -220,7 +220,7 @@ static bool isDelivered(const MuxSource& source)
     return source.format.kind == STREAM_AC3 ? leftOf(source) < source.format.unitBytes : leftOf(source) == 0;
 }
 
-static StreamFault deliverChunk(MuxContext* handle, MuxSource* source)
+static FileFault deliverChunk(MuxContext* handle, MuxSource* source)
 {
     const StreamKind kind = source->format.kind;
     if (kind == STREAM_LAYER2) return deliverFile(handle, source);
@@ -234,9 +234,9 @@ static StreamFault deliverChunk(MuxContext* handle, MuxSource* source)
     return resultOf(kind == STREAM_VIDEO ? endVideo(handle, source) : endSound(handle, source));
 }
 
-StreamFault deliverNext(MuxContext* handle, std::vector<MuxSource>* sources, MuxSource* source)
+FileFault deliverNext(MuxContext* handle, std::vector<MuxSource>* sources, MuxSource* source)
 {
-    if (StreamFault fault = deliverChunk(handle, source)) return fault;
+    if (FileFault fault = deliverChunk(handle, source)) return fault;
     if (source->full) return {};
     for (MuxSource& other : *sources) other.full = false;
     if (!source->ended) return {};

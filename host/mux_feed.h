@@ -25,7 +25,7 @@ struct MuxSource {
 };
 
 /** Opens a file and tells what it holds. */
-StreamFault openSource(MuxSource* source);
+FileFault openSource(MuxSource* source);
 
 /** Registers the stream of a source. LPCM tells its format at once. @return a result of the library */
 uint64_t addSource(MuxContext* handle, MuxSource* source);
@@ -37,4 +37,4 @@ double deliveredSeconds(const MuxSource& source);
 MuxSource* nextSource(std::vector<MuxSource>* sources);
 
 /** Delivers the next chunk of a source. */
-StreamFault deliverNext(MuxContext* handle, std::vector<MuxSource>* sources, MuxSource* source);
+FileFault deliverNext(MuxContext* handle, std::vector<MuxSource>* sources, MuxSource* source);

@@ -18,7 +18,7 @@ int refuse(const std::string& sentence)
     return EXIT_USAGE;
 }
 
-int reportFault(const fs::path& path, const StreamFault& fault)
+int reportFault(const fs::path& path, const FileFault& fault)
 {
     const std::string name = printablePath(path);
     if (fault.code) {

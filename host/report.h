@@ -2,7 +2,7 @@
 // to say when it fails.
 #pragma once
 
-#include "elementary.h"
+#include "file_fault.h"
 #include "project_fault.h"
 
 #include <filesystem>
@@ -14,7 +14,7 @@
 int refuse(const std::string& sentence);
 
 /** Says what is wrong with a file. @return EXIT_RUN_FAILED */
-int reportFault(const std::filesystem::path& path, const StreamFault& fault);
+int reportFault(const std::filesystem::path& path, const FileFault& fault);
 
 /** @return EXIT_DONE, or EXIT_USAGE if the file can't be one; then it has said why */
 int checkProject(const std::filesystem::path& project);

@@ -75,10 +75,10 @@ static int readStream(ScanRun* run, const char* name, const TakeBytes& take)
 
 // ---- before anything is written -----------------------------------------------------------------------------------
 
-static StreamFault watchPacks(StreamWatch* watch, const uint8_t* data, uint64_t bytes)
+static FileFault watchPacks(StreamWatch* watch, const uint8_t* data, uint64_t bytes)
 {
     for (uint64_t at = 0; at + SECTOR_BYTES <= bytes; at += SECTOR_BYTES) {
-        if (StreamFault fault = watchPack(watch, data + at)) return fault;
+        if (FileFault fault = watchPack(watch, data + at)) return fault;
     }
     return {};
 }
@@ -89,7 +89,7 @@ static int checkStream(ScanRun* run)
     if (fileBytes(in) < SECTOR_BYTES)
         return reportFault(in, { 0, "it holds " + bytesText(fileBytes(in)) + ", less than one pack of 2048" });
     StreamWatch watch = { .cells = run->scan.watch.cells };
-    StreamFault fault;
+    FileFault fault;
     const int failed = readStream(run, "checking", [&](const uint8_t* data, uint64_t bytes) {
         fault = watchPacks(&watch, data, bytes);
         return !fault;

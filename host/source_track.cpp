@@ -61,18 +61,18 @@ bool isTrackFileCount(size_t files)
 
 // ---- what a file holds --------------------------------------------------------------------------------------------
 
-static StreamFault otherKind(std::istream& in, uint64_t bytes)
+static FileFault otherKind(std::istream& in, uint64_t bytes)
 {
     StreamFormat format;
     in.clear();
     in.seekg(0);
-    StreamFault known = recogniseStream(in, bytes, &format);
+    FileFault known = recogniseStream(in, bytes, &format);
     const bool nothingKnown = known && known.code == 0 && known.why.starts_with("it begins neither");
     if (nothingKnown) return { CODE_WRONG_WAVE, "it does not begin as a RIFF/WAVE file" };
     return { CODE_WRONG_WAVE, known ? known.why : "it is no RIFF/WAVE file but " + streamText(format) };
 }
 
-static StreamFault findSamples(const fs::path& path, WaveSamples* wave)
+static FileFault findSamples(const fs::path& path, WaveSamples* wave)
 {
     constexpr size_t HEAD_BYTES = 12;
     const uint64_t bytes = fileBytes(path);
@@ -84,12 +84,12 @@ static StreamFault findSamples(const fs::path& path, WaveSamples* wave)
         return { CODE_WRONG_WAVE, "it holds " + bytesText(bytes) + ", too few for a RIFF/WAVE file" };
     }
     if (std::memcmp(head, "RIFF", 4) != 0 || std::memcmp(head + 8, "WAVE", 4) != 0) return otherKind(in, bytes);
-    StreamFault found = findWaveSamples(in, bytes, wave);
+    FileFault found = findWaveSamples(in, bytes, wave);
     if (found && found.code == 0) found.code = CODE_WRONG_WAVE;
     return found;
 }
 
-static StreamFault checkFormat(const WaveSamples& wave)
+static FileFault checkFormat(const WaveSamples& wave)
 {
     const StreamFormat& format = wave.format;
     const std::string bits = std::to_string(format.bits), rate = std::to_string(format.rate);
@@ -107,7 +107,7 @@ static StreamFault checkFormat(const WaveSamples& wave)
     return {};
 }
 
-static StreamFault checkChannels(uint64_t channels, bool joined)
+static FileFault checkChannels(uint64_t channels, bool joined)
 {
     const std::string text = std::to_string(channels) + " channels";
     if (channels == 1 || (channels == 2 && !joined)) return {};
@@ -146,9 +146,9 @@ static void warnOfSizes(const SourceFile& file, std::vector<std::string>* warnin
 
 static TrackFault readFile(SourceTrack* track, SourceFile* file)
 {
-    if (StreamFault found = findSamples(file->path, &file->wave)) return { file->path, found };
-    if (StreamFault unfit = checkFormat(file->wave)) return { file->path, unfit };
-    if (StreamFault unfit = checkChannels(file->wave.format.channels, track->files.size() > 1)) {
+    if (FileFault found = findSamples(file->path, &file->wave)) return { file->path, found };
+    if (FileFault unfit = checkFormat(file->wave)) return { file->path, unfit };
+    if (FileFault unfit = checkChannels(file->wave.format.channels, track->files.size() > 1)) {
         return { file->path, unfit };
     }
     if (samplesOf(*file) == 0) return fault(file->path, CODE_WRONG_WAVE, "it holds no samples");
@@ -182,7 +182,7 @@ static std::string megabits(uint64_t bits)
 
 // Meant: within this bound each full pack brings more than the decoder takes meanwhile, so that the library never finds
 // it run dry. Test: SourceTrack.EveryRateThatIsTakenPlays
-static StreamFault checkBitRate(const SourceTrack& track)
+static FileFault checkBitRate(const SourceTrack& track)
 {
     const uint64_t bits = track.channels * track.bits * track.rate;
     if (bits <= MOST_BITS_A_SECOND) return {};

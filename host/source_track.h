@@ -31,7 +31,7 @@ struct SourceTrack {
 // Why a track does not do; path is the file that it is about.
 struct TrackFault {
     std::filesystem::path path = {};
-    StreamFault fault = {};
+    FileFault fault = {};
 
     explicit operator bool() const
     {

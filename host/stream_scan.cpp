@@ -51,7 +51,7 @@ int checkScanFile(const fs::path& scanFile)
 
 // ---- the pass -----------------------------------------------------------------------------------------------------
 
-static bool fail(StreamScan* scan, const fs::path& path, const StreamFault& fault)
+static bool fail(StreamScan* scan, const fs::path& path, const FileFault& fault)
 {
     if (!scan->fault) scan->fault = { path, fault };
     return false;
@@ -65,7 +65,7 @@ static uint64_t onUnit(const uint8_t* data, uint64_t bytes, uint64_t user)
     return 0;
 }
 
-static StreamFault resultOf(const StreamScan& scan, uint64_t code)
+static FileFault resultOf(const StreamScan& scan, uint64_t code)
 {
     if (code == 0) return {};
     return { code, isPlatformCode(code) ? "the scan file can't be written"
@@ -74,7 +74,7 @@ static StreamFault resultOf(const StreamScan& scan, uint64_t code)
 
 static bool checked(StreamScan* scan, uint64_t code)
 {
-    const StreamFault fault = resultOf(*scan, code);
+    const FileFault fault = resultOf(*scan, code);
     if (!fault) return true;
     return fail(scan, isPlatformCode(code) ? scan->scanFile : scan->input, fault);
 }
@@ -99,7 +99,7 @@ bool scanBytes(StreamScan* scan, const uint8_t* data, uint64_t bytes)
 {
     if (scan->fault) return false;
     for (uint64_t at = 0; at + SECTOR_BYTES <= bytes; at += SECTOR_BYTES) {
-        if (StreamFault fault = watchPack(&scan->watch, data + at)) return fail(scan, scan->input, fault);
+        if (FileFault fault = watchPack(&scan->watch, data + at)) return fail(scan, scan->input, fault);
     }
     if (!scan->handle && !beginScan(scan)) return false;
     return checked(scan, nppScanBuffer(scan->handle, data, bytes)) && !scan->fault;
@@ -110,9 +110,9 @@ bool endScan(StreamScan* scan)
     if (scan->handle) (void)checked(scan, nppEndStreamScan(scan->handle));
     scan->handle = nullptr;
     if (scan->fault) return false;
-    if (StreamFault fault = closeMovie(scan->movie)) return fail(scan, scan->movie->path, fault);
-    if (StreamFault fault = watchEnd(scan->watch)) return fail(scan, scan->input, fault);
-    if (StreamFault fault = lossFault(scan->watch.sectors, scan->movie->sectors))
+    if (FileFault fault = closeMovie(scan->movie)) return fail(scan, scan->movie->path, fault);
+    if (FileFault fault = watchEnd(scan->watch)) return fail(scan, scan->input, fault);
+    if (FileFault fault = lossFault(scan->watch.sectors, scan->movie->sectors))
         return fail(scan, scan->movie->path, fault);
     return true;
 }

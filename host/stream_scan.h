@@ -17,7 +17,7 @@ struct ScanOptions {
 // A fault and the file that it is about.
 struct ScanFault {
     std::filesystem::path path = {};
-    StreamFault fault = {};
+    FileFault fault = {};
 
     explicit operator bool() const
     {

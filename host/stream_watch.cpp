@@ -12,7 +12,7 @@ static std::string atSector(uint64_t sector)
     return "at sector " + std::to_string(sector) + " ";
 }
 
-static StreamFault unitLengthFault(const StreamWatch& watch)
+static FileFault unitLengthFault(const StreamWatch& watch)
 {
     const uint64_t sectors = watch.sectors - watch.unitSector, told = uint64_t(watch.nav.lastSector) + 1;
     if (sectors == told) return {};
@@ -22,9 +22,9 @@ static StreamFault unitLengthFault(const StreamWatch& watch)
 }
 
 /** What the scan holds once the last unit has closed. */
-static StreamFault closeUnit(StreamWatch* watch)
+static FileFault closeUnit(StreamWatch* watch)
 {
-    if (StreamFault fault = unitLengthFault(*watch)) return fault;
+    if (FileFault fault = unitLengthFault(*watch)) return fault;
     if (watch->held.size() == HELD_UNITS) {
         return { CODE_MUX_OVERFLOW, atSector(watch->sectors) + "the scan would have to hold more than " +
                                         std::to_string(HELD_UNITS) +
@@ -37,7 +37,7 @@ static StreamFault closeUnit(StreamWatch* watch)
     return {};
 }
 
-static StreamFault cellFault(const StreamWatch& watch, uint64_t cell)
+static FileFault cellFault(const StreamWatch& watch, uint64_t cell)
 {
     if (cell > watch.cell + 1) {
         return { 0, "no unit begins in cell " + std::to_string(watch.cell + 1) + ", which is to begin at " +
@@ -50,7 +50,7 @@ static StreamFault cellFault(const StreamWatch& watch, uint64_t cell)
 }
 
 /** What a unit must not be behind the one in front of it. */
-static StreamFault orderFault(const StreamWatch& watch, const NavFields& nav, uint64_t cell)
+static FileFault orderFault(const StreamWatch& watch, const NavFields& nav, uint64_t cell)
 {
     if (nav.start < watch.nav.start) {
         return { 0, atSector(watch.sectors) + "the stream's time falls from " + timeText(watch.nav.start) + " to " +
@@ -63,7 +63,7 @@ static StreamFault orderFault(const StreamWatch& watch, const NavFields& nav, ui
     return {};
 }
 
-static StreamFault takeNavPack(StreamWatch* watch, const uint8_t* pack)
+static FileFault takeNavPack(StreamWatch* watch, const uint8_t* pack)
 {
     const NavFields nav = navFields(pack);
     if (isBlank(nav)) {
@@ -73,11 +73,11 @@ static StreamFault takeNavPack(StreamWatch* watch, const uint8_t* pack)
                      "`orven mux` makes one that does, of the video and the sounds" };
     }
     if (watch->units) {
-        if (StreamFault fault = closeUnit(watch)) return fault;
+        if (FileFault fault = closeUnit(watch)) return fault;
     }
     const uint64_t cell = cellOf(watch->cells, nav.start);
-    if (StreamFault fault = orderFault(*watch, nav, cell)) return fault;
-    if (StreamFault fault = cellFault(*watch, cell)) return fault;
+    if (FileFault fault = orderFault(*watch, nav, cell)) return fault;
+    if (FileFault fault = cellFault(*watch, cell)) return fault;
     const uint64_t ticks = nav.end - nav.start;
     if (countsTwentyFive(nav) && ticks && ticks % NTSC_PICTURE_TICKS == 0 && ticks % PAL_PICTURE_TICKS != 0)
         watch->otherRate++;
@@ -88,11 +88,11 @@ static StreamFault takeNavPack(StreamWatch* watch, const uint8_t* pack)
     return {};
 }
 
-StreamFault watchPack(StreamWatch* watch, const uint8_t* pack)
+FileFault watchPack(StreamWatch* watch, const uint8_t* pack)
 {
     if (!isPack(pack)) return { CODE_NO_PACK, atSector(watch->sectors) + "no pack begins (00 00 01 BA)" };
     if (isNavPack(pack)) {
-        if (StreamFault fault = takeNavPack(watch, pack)) return fault;
+        if (FileFault fault = takeNavPack(watch, pack)) return fault;
     } else if (watch->units == 0) {
         return { 0, "its first pack is no navigation pack: the stream is not made for a DVD, or begins within a unit. "
                     "`orven mux` makes one of the video and the sounds" };
@@ -104,12 +104,12 @@ StreamFault watchPack(StreamWatch* watch, const uint8_t* pack)
     return {};
 }
 
-StreamFault watchEnd(const StreamWatch& watch)
+FileFault watchEnd(const StreamWatch& watch)
 {
     return unitLengthFault(watch);
 }
 
-StreamFault lossFault(uint64_t sectorsIn, uint64_t sectorsOut)
+FileFault lossFault(uint64_t sectorsIn, uint64_t sectorsOut)
 {
     if (sectorsIn == sectorsOut) return {};
     return { 0, sectorsText(sectorsIn) + " went into the scan, and " + std::to_string(sectorsOut) + " came out of it" };

@@ -25,13 +25,13 @@ struct StreamWatch {
 };
 
 /** Takes the next pack. Behind a fault nothing more can be taken. */
-StreamFault watchPack(StreamWatch* watch, const uint8_t* pack);
+FileFault watchPack(StreamWatch* watch, const uint8_t* pack);
 
 /** To be asked behind the last pack. */
-StreamFault watchEnd(const StreamWatch& watch);
+FileFault watchEnd(const StreamWatch& watch);
 
 /** What is wrong if not all sectors have come out of the scan. */
-StreamFault lossFault(uint64_t sectorsIn, uint64_t sectorsOut);
+FileFault lossFault(uint64_t sectorsIn, uint64_t sectorsOut);
 
 /** Which cells of the plan lie behind the stream; empty if there is none. */
 std::string missingCells(const StreamWatch& watch);

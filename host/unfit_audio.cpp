@@ -112,7 +112,7 @@ static std::string notWaveWhy(const fs::path& path)
     if (start.substr(12) != "fmt ") return "the first chunk of the file is not its format";
     WaveSamples samples;
     in.clear();
-    const StreamFault fault = findWaveSamples(in, fileBytes(path), &samples);
+    const FileFault fault = findWaveSamples(in, fileBytes(path), &samples);
     return fault ? "the file does not do: " + fault.why : "";
 }
 

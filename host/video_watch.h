@@ -8,7 +8,7 @@
 struct VideoWatch {
     uint64_t pictures = 0;
     uint64_t bytes = 0;   // seen so far
-    StreamFault fault = {};
+    FileFault fault = {};
     // Within.
     uint64_t rateCode = 0;            // of the first sequence header
     bool groupOpens = false;          // a group header, and no picture since

@@ -39,7 +39,7 @@ static uint64_t blockOf(const StreamFormat& format)
     return format.channels * ((format.bits + 7) / 8);
 }
 
-static StreamFault readFormat(std::istream& in, uint64_t size, StreamFormat* format)
+static FileFault readFormat(std::istream& in, uint64_t size, StreamFormat* format)
 {
     uint8_t chunk[EXTENSIBLE_BYTES] = {};
     if (size < LEAST_FORMAT_BYTES) return { 0, "its `fmt ` chunk is too short" };
@@ -60,7 +60,7 @@ static StreamFault readFormat(std::istream& in, uint64_t size, StreamFormat* for
 }
 
 // What the library itself refuses is left to it: its codes say more.
-static StreamFault checkSamples(StreamFormat* format)
+static FileFault checkSamples(StreamFormat* format)
 {
     const uint64_t block = blockOf(*format);
     if (little(format->wave.data(), 2) != TAG_PCM) return {};
@@ -91,7 +91,7 @@ static bool readAt(std::istream& in, uint64_t at, uint8_t* to, uint64_t bytes)
     return bool(in.read(reinterpret_cast<char*>(to), std::streamsize(bytes)));
 }
 
-StreamFault findWaveSamples(std::istream& in, uint64_t bytes, WaveSamples* samples)
+FileFault findWaveSamples(std::istream& in, uint64_t bytes, WaveSamples* samples)
 {
     constexpr int MOST_CHUNKS = 10000;
     uint8_t riff[RIFF_HEAD_BYTES] = {}, head[CHUNK_HEAD_BYTES] = {};
@@ -111,7 +111,7 @@ StreamFault findWaveSamples(std::istream& in, uint64_t bytes, WaveSamples* sampl
             return {};
         }
         if (std::memcmp(head, "fmt ", 4) == 0) {
-            if (StreamFault fault = readFormat(in, std::min(size, left), format)) return fault;
+            if (FileFault fault = readFormat(in, std::min(size, left), format)) return fault;
             formatSeen = true;
         }
         at += CHUNK_HEAD_BYTES + size + size % 2;
@@ -119,10 +119,10 @@ StreamFault findWaveSamples(std::istream& in, uint64_t bytes, WaveSamples* sampl
     return { 0, "there is no `data` chunk in it" };
 }
 
-StreamFault readWave(std::istream& in, uint64_t bytes, StreamFormat* format)
+FileFault readWave(std::istream& in, uint64_t bytes, StreamFormat* format)
 {
     WaveSamples samples = { *format };
-    StreamFault fault = findWaveSamples(in, bytes, &samples);
+    FileFault fault = findWaveSamples(in, bytes, &samples);
     *format = samples.format;
     return fault ? fault : checkSamples(format);
 }

@@ -11,7 +11,7 @@ struct WaveSamples {
 };
 
 /** Reads the chunks of a RIFF/WAVE file up to its samples. */
-StreamFault findWaveSamples(std::istream& in, uint64_t bytes, WaveSamples* samples);
+FileFault findWaveSamples(std::istream& in, uint64_t bytes, WaveSamples* samples);
 
 /** The same, as the multiplexer for movies takes them. */
-StreamFault readWave(std::istream& in, uint64_t bytes, StreamFormat* format);
+FileFault readWave(std::istream& in, uint64_t bytes, StreamFormat* format);

@@ -9,7 +9,7 @@
 
 namespace {
 
-StreamFault recognise(const Bytes& bytes, StreamFormat* format)
+FileFault recognise(const Bytes& bytes, StreamFormat* format)
 {
     std::istringstream in(std::string(bytes.begin(), bytes.end()));
     return recogniseStream(in, bytes.size(), format);
@@ -42,7 +42,7 @@ TEST(MuxRecognise, KindsByTheirFirstBytes)
         Bytes bytes = fromHex(known.start);
         bytes.resize(64);
         StreamFormat format;
-        const StreamFault fault = recognise(bytes, &format);
+        const FileFault fault = recognise(bytes, &format);
         EXPECT_EQ(fault.why, "");
         EXPECT_EQ(streamText(format), known.text);
         EXPECT_EQ(format.unitTicks, known.unitTicks);
@@ -95,7 +95,7 @@ TEST(MuxRecognise, OthersAreExplained)
         Bytes bytes = fromHex(refused.start);
         bytes.resize(64);
         StreamFormat format;
-        const StreamFault fault = recognise(bytes, &format);
+        const FileFault fault = recognise(bytes, &format);
         EXPECT_NE(fault.why.find(refused.why), std::string::npos) << fault.why;
         EXPECT_EQ(fault.code, refused.code);
     }
@@ -146,7 +146,7 @@ TEST(MuxRecognise, WaveFileOfChunks)
     const Bytes list = fromHex("4C 49 53 54 03 00 00 00 61 62 63 00"), data = fromHex("64 61 74 61 08 00 00 00");
     const Bytes wave = joined({ fromHex(RIFF), list, fromHex(FORMAT), list, data, filler(8), list });
     StreamFormat format;
-    const StreamFault fault = recognise(wave, &format);
+    const FileFault fault = recognise(wave, &format);
     EXPECT_EQ(fault.why, "");
     EXPECT_EQ(format.kind, STREAM_LPCM);
     EXPECT_EQ(format.from, 12u + 12 + 24 + 12 + 8);
@@ -165,7 +165,7 @@ TEST(MuxRecognise, WaveFileOfTheLongForm)
                 "3F 00 00 00 01 00 00 00 00 00 10 00 80 00 00 AA 00 38 9B 71");
     const Bytes data = fromHex("64 61 74 61 FF FF FF FF");
     StreamFormat format;
-    const StreamFault fault = recognise(joined({ fromHex(RIFF), format40, data, filler(105) }), &format);
+    const FileFault fault = recognise(joined({ fromHex(RIFF), format40, data, filler(105) }), &format);
     EXPECT_EQ(fault.why, "");
     EXPECT_EQ(format.bytes, 100u);   // whole samples, up to the end of the file
     EXPECT_EQ(toHex(format.wave.data(), 18), "01 00 05 00 44 AC 00 00 68 BB 06 00 0A 00 10 00 00 00");
@@ -189,7 +189,7 @@ TEST(MuxRecognise, DamagedWaveFiles)
     };
     for (const auto& [wave, why] : cases) {
         StreamFormat found;
-        const StreamFault fault = recognise(wave, &found);
+        const FileFault fault = recognise(wave, &found);
         EXPECT_NE(fault.why.find(why), std::string::npos) << why << ": " << fault.why;
     }
 }
@@ -202,7 +202,7 @@ TEST(MuxRecognise, SoundThatWouldBecomeNoise)
                                { .channels = 6, .bits = 16, .dataBytes = 12 } };
     for (const WaveSpec& wave : cases) {
         StreamFormat format;
-        const StreamFault fault = recognise(joined({ waveHeader(wave), filler(12) }), &format);
+        const FileFault fault = recognise(joined({ waveHeader(wave), filler(12) }), &format);
         EXPECT_EQ(fault.code, 0u);
         EXPECT_TRUE(fault.why.starts_with("players would not find its samples of ")) << fault.why;
     }

@@ -129,7 +129,7 @@ TEST(ExtractTracks, TextsAndFaults)
     for (const TrackCase& expected : cases) {
         SCOPED_TRACE(expected.what);
         EXPECT_EQ(trackText(expected.kind, expected.track), expected.text);
-        const ExtractFault fault = trackFault(expected.kind, expected.track);
+        const FileFault fault = trackFault(expected.kind, expected.track);
         EXPECT_EQ(fault.code, expected.code);
         EXPECT_EQ(fault.why, expected.why);
     }

@@ -7,10 +7,10 @@
 
 namespace {
 
-StreamFault watch(StreamWatch* watch, const Bytes& stream)
+FileFault watch(StreamWatch* watch, const Bytes& stream)
 {
     for (uint64_t at = 0; at + PACK_BYTES <= stream.size(); at += PACK_BYTES) {
-        if (StreamFault fault = watchPack(watch, stream.data() + at)) return fault;
+        if (FileFault fault = watchPack(watch, stream.data() + at)) return fault;
     }
     return watchEnd(*watch);
 }
@@ -153,7 +153,7 @@ TEST(StreamWatch, Faults)
     for (const FaultCase& test : cases) {
         SCOPED_TRACE(test.what);
         StreamWatch seen = { .cells = test.cells };
-        const StreamFault fault = watch(&seen, test.stream);
+        const FileFault fault = watch(&seen, test.stream);
         EXPECT_EQ(fault.code, test.code);
         EXPECT_EQ(fault.why, test.why);
     }
@@ -171,7 +171,7 @@ TEST(StreamWatch, MostPacksOfAUnit)
     StreamWatch seen;
     EXPECT_FALSE(watch(&seen, scanStream({ {}, { .sectors = 768 }, {} })));
     StreamWatch more;
-    const StreamFault fault = watch(&more, scanStream({ {}, { .sectors = 769 }, {} }));
+    const FileFault fault = watch(&more, scanStream({ {}, { .sectors = 769 }, {} }));
     EXPECT_EQ(fault.code, CODE_MUX_OVERFLOW);
     EXPECT_EQ(fault.why, "the unit at sector 3 has more than 768 packs");
 }
@@ -183,7 +183,7 @@ TEST(StreamWatch, MostUnitsHeld)
     StreamWatch most;
     EXPECT_FALSE(watch(&most, scanStream(scanUnits(1024, shortUnit))));
     StreamWatch more;
-    const StreamFault fault = watch(&more, scanStream(scanUnits(1025, shortUnit)));
+    const FileFault fault = watch(&more, scanStream(scanUnits(1025, shortUnit)));
     EXPECT_EQ(fault.code, CODE_MUX_OVERFLOW);
     EXPECT_EQ(fault.why,
               "at sector 1024 the scan would have to hold more than 1023 units, whose pointers lead up to two "
