@@ -1,5 +1,6 @@
 // aob_program_test.cpp: `orven aob`, by running it: options, refusals, files that lie, whole sounds and their projects.
 #include "tests/host/process.h"
+#include "tests/host/usage.h"
 #include "tests/support/aob_reader.h"
 #include "tests/support/packs.h"
 
@@ -76,12 +77,6 @@ std::string textOf(const std::u16string& path)
 
 // ---- usage --------------------------------------------------------------------------------------------------------
 
-struct UsageCase {
-    const char* what;
-    std::vector<std::string> arguments;
-    const char* err;   // part of what it says
-};
-
 TEST(AobProgram, WrongUsageIsExitCode2)
 {
     const TempDir folder;
@@ -126,13 +121,7 @@ TEST(AobProgram, WrongUsageIsExitCode2)
           { "aob", "-t", "t", "--project", "t/ATS_01.nfo", "a" },
           "error: the project can't have the name of the sound\n" },
     };
-    for (const UsageCase& usage : cases) {
-        SCOPED_TRACE(usage.what);
-        const ProcessResult result = runOrven(usage.arguments, folder.root);
-        EXPECT_EQ(result.exitCode, 2);
-        EXPECT_EQ(result.out, "");
-        EXPECT_NE(result.err.find(usage.err), std::string::npos) << result.err;
-    }
+    for (const UsageCase& usage : cases) expectRefused(usage, folder.root);
     EXPECT_FALSE(fs::exists(folder.root / "t"));
     EXPECT_FALSE(fs::exists(folder.root / "q.ini"));
     EXPECT_EQ(textOf(folder / u"p.ini"), "mine");

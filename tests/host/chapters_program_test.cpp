@@ -2,6 +2,7 @@
 // changes.
 #include "tests/host/process.h"
 #include "tests/host/scan_stream.h"
+#include "tests/host/usage.h"
 
 #include <fstream>
 #include <gtest/gtest.h>
@@ -25,12 +26,6 @@ ProcessResult chapters(const TempDir& folder, const std::vector<std::string>& vo
 }
 
 // ---- usage --------------------------------------------------------------------------------------------------------
-
-struct UsageCase {
-    const char* what;
-    std::vector<std::string> arguments;
-    const char* err;   // part of what it says
-};
 
 TEST(ChaptersProgram, WrongUsageIsExitCode2)
 {
@@ -79,10 +74,7 @@ TEST(ChaptersProgram, WrongUsageIsExitCode2)
     };
     for (const UsageCase& usage : cases) {
         SCOPED_TRACE(usage.what);
-        const ProcessResult result = runOrven(usage.arguments, folder.root);
-        EXPECT_EQ(result.exitCode, 2);
-        EXPECT_EQ(result.out, "");
-        EXPECT_NE(result.err.find(usage.err), std::string::npos) << result.err;
+        expectRefused(usage, folder.root);
         EXPECT_TRUE(readFile(folder / u"m.vob") == stream);
     }
 }

@@ -1,6 +1,7 @@
 // extract_program_test.cpp: `orven extract`, by running it on discs made by the library: what comes out, and what it
 // leaves alone.
 #include "tests/host/extract_rig.h"
+#include "tests/host/usage.h"
 
 #include <gtest/gtest.h>
 
@@ -17,12 +18,6 @@ Bytes filled(uint8_t with)
 }
 
 // ---- usage --------------------------------------------------------------------------------------------------------
-
-struct UsageCase {
-    const char* what;
-    std::vector<std::string> arguments;
-    const char* err;   // part of what it says
-};
 
 TEST(ExtractProgram, WrongUsageIsExitCode2)
 {
@@ -43,13 +38,7 @@ TEST(ExtractProgram, WrongUsageIsExitCode2)
           "error: file is a file; the tracks need a folder\n" },
     };
     const auto before = contentOf(folder.root);
-    for (const UsageCase& usage : cases) {
-        SCOPED_TRACE(usage.what);
-        const ProcessResult result = runOrven(usage.arguments, folder.root);
-        EXPECT_EQ(result.exitCode, 2);
-        EXPECT_EQ(result.out, "");
-        EXPECT_NE(result.err.find(usage.err), std::string::npos) << result.err;
-    }
+    for (const UsageCase& usage : cases) expectRefused(usage, folder.root);
     EXPECT_TRUE(contentOf(folder.root) == before);
 }
 

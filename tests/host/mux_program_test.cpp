@@ -1,6 +1,7 @@
 // mux_program_test.cpp: `orven mux`, by running it: usage, what it says of streams that do not fit, and what its movies
 // hold.
 #include "tests/host/process.h"
+#include "tests/host/usage.h"
 #include "tests/support/elementary.h"
 #include "tests/support/files.h"
 
@@ -63,12 +64,6 @@ bool madeNothing(const TempDir& folder)
 
 // ---- usage --------------------------------------------------------------------------------------------------------
 
-struct UsageCase {
-    const char* what;
-    std::vector<std::string> arguments;
-    const char* err;   // part of what it says
-};
-
 TEST(MuxProgram, WrongUsageIsExitCode2)
 {
     const TempDir folder;
@@ -96,10 +91,7 @@ TEST(MuxProgram, WrongUsageIsExitCode2)
     };
     for (const UsageCase& usage : cases) {
         SCOPED_TRACE(usage.what);
-        const ProcessResult result = runOrven(usage.arguments, folder.root);
-        EXPECT_EQ(result.exitCode, 2);
-        EXPECT_EQ(result.out, "");
-        EXPECT_NE(result.err.find(usage.err), std::string::npos) << result.err;
+        expectRefused(usage, folder.root);
         EXPECT_TRUE(madeNothing(folder));
     }
 }

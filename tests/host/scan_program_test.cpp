@@ -2,6 +2,7 @@
 // that they make.
 #include "tests/host/process.h"
 #include "tests/host/scan_stream.h"
+#include "tests/host/usage.h"
 #include "tests/support/elementary.h"
 
 #include <gtest/gtest.h>
@@ -54,12 +55,6 @@ void expectNothingMade(const TempDir& folder)
 }
 
 // ---- usage --------------------------------------------------------------------------------------------------------
-
-struct UsageCase {
-    const char* what;
-    std::vector<std::string> arguments;
-    const char* err;   // part of what it says
-};
 
 TEST(ScanProgram, WrongUsageIsExitCode2)
 {
@@ -121,10 +116,7 @@ TEST(ScanProgram, WrongUsageIsExitCode2)
     };
     for (const UsageCase& usage : cases) {
         SCOPED_TRACE(usage.what);
-        const ProcessResult result = runOrven(usage.arguments, folder.root);
-        EXPECT_EQ(result.exitCode, 2);
-        EXPECT_EQ(result.out, "");
-        EXPECT_TRUE(holds(result.err, usage.err)) << result.err;
+        expectRefused(usage, folder.root);
         expectNothingMade(folder);
     }
     EXPECT_TRUE(readFile(folder / u"in.vob") == scanStream(scanUnits(3)));
